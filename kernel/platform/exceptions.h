@@ -30,6 +30,7 @@ class EStreamError : public Exception { public: using Exception::Exception; };  
 class EReadError : public EStreamError { public: using EStreamError::EStreamError; };  // stream underrun or unexpected value tag
 class EWriteError : public EStreamError { public: using EStreamError::EStreamError; };  // a stream refused to take data
 class EFOpenError : public EStreamError { public: using EStreamError::EStreamError; };  // a file stream could not open its file
+class EPropertyError : public Exception { public: using Exception::Exception; };  // a published property used against its kind or access
 class EInOutError : public Exception { public: using Exception::Exception; };  // file system failure
 class EBadStream : public Exception { public: using Exception::Exception; };  // a model file of unknown kind
 class EBadStreamName : public Exception { public: using Exception::Exception; };  // a model file without a name

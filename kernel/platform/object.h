@@ -1,0 +1,117 @@
+// The object model: TObject, the root of every class with published properties, and
+// ClassInfo, the run-time record of a class (name, parent, unit, size, factory, properties).
+//
+// A class joins the model with one line and one static function next to it (the macro and
+// the builder are in publisher.h):
+//
+//   class TStringEntity : public TOwnerEntity {
+//     VESKA_CLASS(TStringEntity, TOwnerEntity, u"Elements")
+//    public:
+//     String Value;
+//     void SetValue(const String& v) { Value = v; }
+//     static void Publish(Publisher<TStringEntity>& p) {
+//       p.Property(u"Value", &TStringEntity::Value, &TStringEntity::SetValue);
+//     }
+//   };
+//
+// The ClassInfo of a class is built once, on first use, with its parent's first.  A class
+// without a Publish of its own publishes nothing beyond its ancestors' properties.
+#pragma once
+
+#include <cstddef>
+#include <cstdint>
+#include <deque>
+#include <span>
+#include <string_view>
+#include <type_traits>
+#include <vector>
+
+#include "kernel/platform/prop_info.h"
+
+namespace veska {
+
+class ClassInfo;
+
+class TObject {
+ public:
+  static constexpr std::u16string_view StaticClassName = u"TObject";
+  static constexpr std::u16string_view StaticUnitName = u"System";
+  static const ClassInfo& StaticClassInfo();
+
+  TObject() = default;
+  TObject(const TObject&) = delete;
+  TObject& operator=(const TObject&) = delete;
+  virtual ~TObject();
+
+  virtual const ClassInfo& ClassType() const { return StaticClassInfo(); }
+  String ClassName() const;
+  bool InheritsFrom(const ClassInfo& ancestor) const;
+  template <class T>
+  bool Is() const {
+    return InheritsFrom(T::StaticClassInfo());
+  }
+  // Destroys the object, as the platform's Free did.
+  void Free() { delete this; }
+
+ private:
+  friend class ObjectHandles;
+  int32_t handle_ = 0;  // the object's number in the handle table; 0 until it needs one
+};
+
+// The persistent base of the platform: TObject with the assignment protocol.
+class TPersistent : public TObject {
+ public:
+  static constexpr std::u16string_view StaticClassName = u"TPersistent";
+  static constexpr std::u16string_view StaticUnitName = u"Classes";
+  static const ClassInfo& StaticClassInfo();
+  const ClassInfo& ClassType() const override { return StaticClassInfo(); }
+  using inherited = TObject;
+
+  // Copies the state of source into this object; the base raises EConvertError
+  // "Cannot assign a <source class> to a <this class>".
+  virtual void Assign(const TPersistent* source);
+
+ protected:
+  virtual void AssignTo(TPersistent* destination) const;
+};
+
+class ClassInfo {
+ public:
+  using Factory = TObject* (*)();
+  using PublishFunction = void (*)(ClassInfo&);
+
+  ClassInfo(StringView name, const ClassInfo* parent, StringView unit_name, std::size_t instance_size,
+            Factory factory, PublishFunction publish);
+  ClassInfo(const ClassInfo&) = delete;
+  ClassInfo& operator=(const ClassInfo&) = delete;
+
+  const String& Name() const { return name_; }
+  const ClassInfo* Parent() const { return parent_; }
+  const String& UnitName() const { return unit_name_; }
+  std::size_t InstanceSize() const { return instance_size_; }
+  bool InheritsFrom(const ClassInfo& ancestor) const;
+
+  // The virtual constructor: a new object of this class, or none for an abstract class.
+  bool CanCreate() const { return factory_ != nullptr; }
+  TObject* Create() const { return factory_ ? factory_() : nullptr; }
+
+  // All published properties, ancestors' first, in declaration order.
+  std::span<const PropInfo* const> Properties() const { return all_properties_; }
+  int PropCount() const { return static_cast<int>(all_properties_.size()); }
+  // The first property whose name equals name with the letters a-z folded; none when absent.
+  const PropInfo* FindProperty(StringView name) const;
+
+  // Used by the property builder while the class is being described.
+  PropInfo& AddProperty(PropInfo property);
+
+ private:
+  String name_;
+  const ClassInfo* parent_;
+  String unit_name_;
+  std::size_t instance_size_;
+  Factory factory_;
+  std::deque<PropInfo> own_properties_;  // a deque keeps the records at fixed addresses
+  std::vector<const PropInfo*> all_properties_;
+};
+
+}  // namespace veska

@@ -1,0 +1,31 @@
+// The handle table: how object references travel as numbers.
+//
+// The system writes object references into text and integers ("the reference as a number").
+// A number is never turned back into an address: each object that is written as a number gets
+// a process-wide handle — a positive 32-bit number, given on first use and never reused while
+// the process runs — and reading a number looks it up here.  An object leaves the table when
+// it is destroyed, so a stale, unknown or forged number gives none.  The number 0 is none.
+#pragma once
+
+#include <cstddef>
+#include <cstdint>
+
+namespace veska {
+
+class TObject;
+
+class ObjectHandles {
+ public:
+  // The handle of the object, given now if it has none yet; 0 for none.
+  static int32_t HandleOf(TObject* object);
+  // The live object with that handle, or none.
+  static TObject* ObjectOf(int64_t handle);
+  // How many objects hold a handle now.
+  static std::size_t LiveCount();
+
+ private:
+  friend class TObject;
+  static void Forget(TObject& object) noexcept;
+};
+
+}  // namespace veska

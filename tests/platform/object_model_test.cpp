@@ -1,0 +1,200 @@
+#include <gtest/gtest.h>
+
+#include "kernel/platform/exceptions.h"
+#include "kernel/platform/object_handles.h"
+#include "kernel/platform/publisher.h"
+
+namespace veska {
+
+enum class TShade : uint8_t { shLight, shDark, shBlack };
+template <>
+struct EnumNames<TShade> {
+  static constexpr std::u16string_view TypeName = u"TShade";
+  static constexpr std::array<std::u16string_view, 3> Names{u"shLight", u"shDark", u"shBlack"};
+};
+
+namespace {
+
+class TSample : public TPersistent {
+  VESKA_CLASS(TSample, TPersistent, u"SampleUnit")
+ public:
+  int32_t Count = 7;
+  bool Visible = false;
+  String Caption;
+  TShade Shade = TShade::shLight;
+  TSet<TShade> Shades;
+  double Ratio = 0;
+  int64_t Big = 0;
+  char16_t Letter = u'x';
+  char Byte = 'b';
+  AnsiString Legacy;
+  WideString Wide;
+  TMethod OnChange;
+  Variant Any;
+  TSample* Next = nullptr;
+  int commands = 0;
+
+  String GetCaption() const { return Caption; }
+  void SetCaption(const String& value) { Caption = value; }
+  void Command(int32_t value) { commands += value; }
+  bool StoreCaption() const { return !Caption.empty(); }
+
+  static void Publish(Publisher<TSample>& p) {
+    p.Property(u"Count", &TSample::Count, &TSample::Count).Default(7);
+    p.Property(u"Visible", &TSample::Visible, &TSample::Visible);
+    p.Property(u"Caption", &TSample::GetCaption, &TSample::SetCaption).Stored(&TSample::StoreCaption);
+    p.Property(u"Shade", &TSample::Shade, &TSample::Shade);
+    p.Property(u"Shades", &TSample::Shades, &TSample::Shades);
+    p.Property(u"Ratio", &TSample::Ratio, &TSample::Ratio).Stored(false);
+    p.Property(u"Big", &TSample::Big, &TSample::Big);
+    p.Property(u"Letter", &TSample::Letter, &TSample::Letter);
+    p.Property(u"Byte", &TSample::Byte, &TSample::Byte);
+    p.Property(u"Legacy", &TSample::Legacy, &TSample::Legacy);
+    p.Property(u"Wide", &TSample::Wide, &TSample::Wide);
+    p.Property(u"OnChange", &TSample::OnChange, &TSample::OnChange);
+    p.Property(u"Any", &TSample::Any, &TSample::Any);
+    p.Property(u"Next", &TSample::Next, &TSample::Next);
+    p.WriteOnly(u"Command", &TSample::Command);
+    p.Property(u"Stored", &TSample::StoreCaption);
+  }
+};
+
+class TDerivedSample : public TSample {
+  VESKA_CLASS(TDerivedSample, TSample, u"SampleUnit")
+ public:
+  String Extra;
+  static void Publish(Publisher<TDerivedSample>& p) { p.Property(u"Extra", &TDerivedSample::Extra, &TDerivedSample::Extra); }
+};
+
+class TSilentSample : public TDerivedSample {
+  VESKA_CLASS(TSilentSample, TDerivedSample, u"OtherUnit")
+};
+
+TEST(ObjectModel, KindsAreDeducedFromTheCppTypes) {
+  const ClassInfo& info = TSample::StaticClassInfo();
+  const std::vector<std::pair<StringView, TTypeKind>> expected = {
+      {u"Count", TTypeKind::tkInteger},    {u"Visible", TTypeKind::tkEnumeration}, {u"Caption", TTypeKind::tkUString},
+      {u"Shade", TTypeKind::tkEnumeration}, {u"Shades", TTypeKind::tkSet},          {u"Ratio", TTypeKind::tkFloat},
+      {u"Big", TTypeKind::tkInt64},        {u"Letter", TTypeKind::tkWChar},        {u"Byte", TTypeKind::tkChar},
+      {u"Legacy", TTypeKind::tkLString},   {u"Wide", TTypeKind::tkWString},        {u"OnChange", TTypeKind::tkMethod},
+      {u"Any", TTypeKind::tkVariant},      {u"Next", TTypeKind::tkClass},          {u"Command", TTypeKind::tkInteger},
+      {u"Stored", TTypeKind::tkEnumeration}};
+  ASSERT_EQ(info.PropCount(), static_cast<int>(expected.size()));
+  for (std::size_t i = 0; i < expected.size(); ++i) {
+    EXPECT_EQ(info.Properties()[i]->Name(), expected[i].first);
+    EXPECT_EQ(info.Properties()[i]->Kind(), expected[i].second) << ToUtf8(expected[i].first);
+    EXPECT_EQ(info.Properties()[i]->NameIndex(), static_cast<int>(i));
+  }
+  EXPECT_EQ(info.FindProperty(u"Visible")->PropType().EnumValueNames, (std::vector<String>{u"False", u"True"}));
+  EXPECT_EQ(GetEnumName(info.FindProperty(u"shade")->PropType(), 2), u"shBlack");
+  EXPECT_EQ(GetEnumValue(info.FindProperty(u"SHADE")->PropType(), u"SHDARK"), 1);
+  EXPECT_EQ(info.FindProperty(u"Shades")->PropType().CompType, &TypeInfoOf<TShade>());
+  EXPECT_EQ(info.FindProperty(u"Next")->PropType().ClassType(), &TSample::StaticClassInfo());
+}
+
+TEST(ObjectModel, DescendantsListAncestorPropertiesFirstAndShareTheirRecords) {
+  const ClassInfo& base = TSample::StaticClassInfo();
+  const ClassInfo& derived = TDerivedSample::StaticClassInfo();
+  const ClassInfo& silent = TSilentSample::StaticClassInfo();
+  ASSERT_EQ(derived.PropCount(), base.PropCount() + 1);
+  EXPECT_EQ(derived.Properties()[0], base.Properties()[0]);
+  EXPECT_EQ(derived.Properties().back()->Name(), u"Extra");
+  EXPECT_EQ(silent.PropCount(), derived.PropCount());
+  EXPECT_EQ(silent.UnitName(), u"OtherUnit");
+  EXPECT_TRUE(silent.InheritsFrom(TPersistent::StaticClassInfo()));
+  EXPECT_FALSE(base.InheritsFrom(derived));
+  EXPECT_EQ(silent.Parent(), &derived);
+}
+
+TEST(ObjectModel, VirtualConstructorCreatesTheActualClass) {
+  TObject* created = TDerivedSample::StaticClassInfo().Create();
+  ASSERT_NE(created, nullptr);
+  EXPECT_EQ(created->ClassName(), u"TDerivedSample");
+  EXPECT_TRUE(created->Is<TSample>());
+  created->Free();
+  EXPECT_FALSE(TPersistent::StaticClassInfo().CanCreate());
+}
+
+TEST(ObjectModel, TypedAccessReadsAndWritesThroughFieldsAndMethods) {
+  TSample sample;
+  const ClassInfo& info = sample.ClassType();
+  info.FindProperty(u"Count")->SetOrd(sample, 42);
+  info.FindProperty(u"Caption")->SetStr(sample, u"Ahoj");
+  info.FindProperty(u"Shades")->SetOrd(sample, 5);
+  info.FindProperty(u"Legacy")->SetStr(sample, u"žluť");
+  info.FindProperty(u"Command")->SetOrd(sample, 3);
+  info.FindProperty(u"Command")->SetOrd(sample, 4);
+  info.FindProperty(u"OnChange")->SetMethod(sample, {12, 34});
+  info.FindProperty(u"Next")->SetObj(sample, &sample);
+  info.FindProperty(u"Byte")->SetOrd(sample, 0x1C1);  // only the low byte is kept
+  EXPECT_EQ(sample.Count, 42);
+  EXPECT_EQ(sample.Caption, u"Ahoj");
+  EXPECT_TRUE(sample.Shades.Contains(TShade::shLight) && sample.Shades.Contains(TShade::shBlack));
+  EXPECT_EQ(sample.Legacy.Bytes, "\x9Elu\x9D");
+  EXPECT_EQ(sample.commands, 7);
+  EXPECT_EQ(info.FindProperty(u"OnChange")->GetMethod(sample), (TMethod{12, 34}));
+  EXPECT_EQ(info.FindProperty(u"Next")->GetObj(sample), &sample);
+  EXPECT_EQ(info.FindProperty(u"Byte")->GetOrd(sample), 0xC1);
+  EXPECT_EQ(info.FindProperty(u"Legacy")->GetStr(sample), u"žluť");
+}
+
+TEST(ObjectModel, AccessAgainstKindOrDirectionRaises) {
+  TSample sample;
+  const ClassInfo& info = sample.ClassType();
+  EXPECT_THROW(info.FindProperty(u"Count")->GetStr(sample), EPropertyError);
+  EXPECT_THROW(info.FindProperty(u"Command")->GetOrd(sample), EPropertyError);
+  EXPECT_THROW(info.FindProperty(u"Stored")->SetOrd(sample, 1), EPropertyError);
+  EXPECT_FALSE(info.FindProperty(u"Command")->CanRead());
+  EXPECT_EQ(info.FindProperty(u"Count")->ReadAccess(), TAccessKind::Field);
+  EXPECT_EQ(info.FindProperty(u"Caption")->WriteAccess(), TAccessKind::Method);
+}
+
+TEST(ObjectModel, ObjectPropertiesRefuseObjectsOfAnotherClass) {
+  TSample sample;
+  TPersistent other;
+  sample.ClassType().FindProperty(u"Next")->SetObj(sample, &other);
+  EXPECT_EQ(sample.Next, nullptr);
+}
+
+TEST(ObjectModel, StoredAccessIsConstantOrEvaluatedOnTheObject) {
+  TSample sample;
+  const ClassInfo& info = sample.ClassType();
+  EXPECT_TRUE(info.FindProperty(u"Count")->IsStored(sample));
+  EXPECT_TRUE(info.FindProperty(u"Ratio")->Stored().IsConstantFalse());
+  EXPECT_FALSE(info.FindProperty(u"Caption")->IsStored(sample));
+  EXPECT_FALSE(info.FindProperty(u"Caption")->Stored().IsConstantFalse());
+  sample.Caption = u"x";
+  EXPECT_TRUE(info.FindProperty(u"Caption")->IsStored(sample));
+  EXPECT_EQ(info.FindProperty(u"Count")->Default(), 7);
+  EXPECT_FALSE(info.FindProperty(u"Caption")->Default().has_value());
+}
+
+TEST(ObjectHandles, NumbersResolveOnlyToLiveObjects) {
+  auto* first = new TSample;
+  const int32_t handle = ObjectHandles::HandleOf(first);
+  EXPECT_GT(handle, 0);
+  EXPECT_EQ(ObjectHandles::HandleOf(first), handle);
+  EXPECT_EQ(ObjectHandles::ObjectOf(handle), first);
+  delete first;
+  EXPECT_EQ(ObjectHandles::ObjectOf(handle), nullptr);
+  TSample second;
+  EXPECT_NE(ObjectHandles::HandleOf(&second), handle);  // never reused
+  EXPECT_EQ(ObjectHandles::ObjectOf(0), nullptr);
+  EXPECT_EQ(ObjectHandles::ObjectOf(-5), nullptr);
+  EXPECT_EQ(ObjectHandles::ObjectOf(int64_t{1} << 40), nullptr);
+  EXPECT_EQ(ObjectHandles::HandleOf(nullptr), 0);
+}
+
+TEST(ObjectModel, AssignBetweenUnrelatedClassesRaisesWithBothNames) {
+  TSample a;
+  TPersistent b;
+  try {
+    b.Assign(&a);
+    FAIL();
+  } catch (const EConvertError& e) {
+    EXPECT_EQ(e.Message(), u"Cannot assign a TSample to a TPersistent");
+  }
+}
+
+}  // namespace
+}  // namespace veska
