@@ -144,7 +144,9 @@ TEST(CodePageTable, ColumnsAgreeWithGlibcIconvExceptTheDeliberateCells) {
                  {CzechColumn::Iso8859_2, "ISO-8859-2"},
                  {CzechColumn::Cp852, "CP852"}};
 
-  for (const auto& [column, iconv_name] : columns) {
+  for (const auto& checked : columns) {
+    const CzechColumn column = checked.column;
+    const char* const iconv_name = checked.iconv_name;
     IconvFromUtf8 converter(iconv_name);
     ASSERT_TRUE(converter.IsOpen()) << "glibc iconv does not know the code page " << iconv_name
                                     << "; the gconv modules of the C library are missing";
