@@ -1,0 +1,172 @@
+#include "kernel/text/code_page.h"
+
+#include <gtest/gtest.h>
+#include <iconv.h>
+
+#include <algorithm>
+#include <optional>
+#include <string>
+#include <vector>
+
+namespace veska {
+namespace {
+
+using namespace std::string_literals;
+
+const std::string kWindowsSentence = ToWin1250(u"Příliš žluťoučký kůň úpěl ďábelské ódy");
+
+TEST(CodePageTests, OnlyBytesAbove128Count) {
+  EXPECT_TRUE(cp_IsIBM("plain text\x80"));  // 128 itself is plain
+  EXPECT_FALSE(cp_IsIBM("\x81"));
+  EXPECT_TRUE(cp_IsWin("\x80\x7F"s + '\0'));
+  EXPECT_TRUE(cp_Is852("\x80"));
+  EXPECT_TRUE(cp_IsKam("\x80"));
+  for (auto test : {cp_IsIBM, cp_IsWin, cp_Is852, cp_IsKam}) EXPECT_TRUE(test(""));
+}
+
+TEST(CodePageTests, EachTestAcceptsOnlyItsOwnColumn) {
+  EXPECT_TRUE(cp_IsWin(kWindowsSentence));
+  EXPECT_FALSE(cp_IsIBM(kWindowsSentence));
+  EXPECT_TRUE(cp_Is852(WinTo852(kWindowsSentence)));
+  EXPECT_TRUE(cp_IsKam(WinToKAM(kWindowsSentence)));
+  EXPECT_FALSE(cp_Is852(kWindowsSentence));      // ř (F8) is no CP852 letter
+  EXPECT_FALSE(cp_IsKam(kWindowsSentence));
+  EXPECT_FALSE(cp_IsWin(WinTo852(kWindowsSentence)));
+  EXPECT_FALSE(cp_IsWin("\xFF"));                // a byte outside every column
+}
+
+TEST(CodePageTests, GetCodePageRecognisesEachEncoding) {
+  EXPECT_EQ(cp_GetCodePage(""), 2);
+  EXPECT_EQ(cp_GetCodePage("no diacritics\x80"), 2);
+  EXPECT_EQ(cp_GetCodePage(kWindowsSentence), 1250);
+  EXPECT_EQ(cp_GetCodePage(WinTo852(kWindowsSentence)), 852);
+  EXPECT_EQ(cp_GetCodePage(WinToKAM(kWindowsSentence)), 1);
+  EXPECT_EQ(cp_GetCodePage("\xC8"), 1250);       // Č in Windows-1250, in no other column
+}
+
+TEST(CodePageTests, GetCodePageGivesThreeWhileUndecided) {
+  EXPECT_EQ(cp_GetCodePage("\xA0\xA1"), 3);      // á í of both CP852 and Kamenický
+  EXPECT_EQ(cp_GetCodePage("\xA0\xB5"), 852);    // ... until Á of CP852 decides
+  EXPECT_EQ(cp_GetCodePage("\xFF"), 3);          // no candidate left
+  EXPECT_EQ(cp_GetCodePage("\xFF\xC8"), 3);      // and none comes back
+}
+
+TEST(CodePageTests, GetCodePageDecidesEarlyDespiteLaterBytes) {
+  // Bytes after the deciding one fit no column, or only another one; the decision stands.
+  EXPECT_EQ(cp_GetCodePage("\xC8\xFF"), 1250);
+  EXPECT_EQ(cp_GetCodePage("x\xC8 \x8F\x8F"), 1250);  // 8F is Kamenický Á only
+  EXPECT_EQ(cp_GetCodePage("\x8F\xC8\xFF"), 1);
+  EXPECT_EQ(cp_GetCodePage("\xB5\xC8"), 852);
+}
+
+TEST(CodePageConversion, DuplicateBytesAreFoundAtTheirFirstRow) {
+  EXPECT_EQ(_8859_2ToWin("\xBE"), "\x9E");       // row 37 ž, not row 38 ľ
+  EXPECT_EQ(_8859_2ToWin("\xBC"), "\xBC");       // Ľ keeps its Windows-1250 byte
+  EXPECT_EQ(WinTo_8859_2("\xBC\xBE"), "\xBC\xBE");
+  EXPECT_EQ(cp852ToWin("\xE2"), "\xD6");         // row 22 Ö, not row 39 Ô
+  EXPECT_EQ(cp852ToWin("\x99"), "\x99");         // the published CP852 Ö is unknown
+  EXPECT_EQ(WinTo852("\xD6\xD4"), "\xE2\xE2");   // Ö and Ô both become E2 ...
+  EXPECT_EQ(cp852ToWin(WinTo852("\xD4")), "\xD6");  // ... so Ô comes back as Ö
+  EXPECT_EQ(WinToKAM("\xC5"), "L");              // Ĺ
+}
+
+TEST(CodePageConversion, LettersAreConvertedAndOtherBytesKept) {
+  EXPECT_EQ(WinToIBM(ToWin1250(u"Příliš")), "Prilis");
+  EXPECT_EQ(WinToIBM(kWindowsSentence), "Prilis zlutoucky kun upel dabelske ody");
+  EXPECT_EQ(WinTo_8859_2("\x8A\x9A\x8D\x9D\x8E\x9E"), "\xA9\xB9\xAB\xBB\xAE\xBE");  // Š š Ť ť Ž ž
+  EXPECT_EQ(_8859_2ToWin(WinTo_8859_2(kWindowsSentence)), kWindowsSentence);
+  EXPECT_EQ(cp852ToWin(WinTo852(kWindowsSentence)), kWindowsSentence);
+  const std::string others = "\x00\x7F\x80\xFF\xA5 text;"s;
+  for (auto convert : {WinTo_8859_2, _8859_2ToWin, WinTo852, cp852ToWin, WinToKAM, WinToIBM}) {
+    EXPECT_EQ(convert(others), others);
+    EXPECT_EQ(convert(""), "");
+  }
+}
+
+TEST(CodePageConversion, WinToUtf8GivesOneCharacterPerUtf8Byte) {
+  auto as_byte_characters = [](std::string_view bytes) {
+    String characters;
+    for (char byte : bytes) characters += static_cast<char16_t>(static_cast<unsigned char>(byte));
+    return characters;
+  };
+  EXPECT_EQ(WinTo_UTF8(as_byte_characters("k\xF9\xF2")), (String{u'k', 0xC5, 0xAF, 0xC5, 0x88}));  // kůň
+  const String czech = u"Příliš žluťoučký kůň úpěl ďábelské ódy – „€“";
+  EXPECT_EQ(WinTo_UTF8(as_byte_characters(ToWin1250(czech))), as_byte_characters(ToUtf8(czech)));
+  // Only the low byte of each character is taken: 0x1F8 stands for F8 (ř).
+  EXPECT_EQ(WinTo_UTF8(String{char16_t(0x1F8)}), (String{0xC5, 0x99}));
+  EXPECT_EQ(WinTo_UTF8(u""), u"");
+}
+
+// Converts UTF-8 text to one 8-bit code page with glibc's iconv.
+class IconvFromUtf8 {
+ public:
+  explicit IconvFromUtf8(const char* code_page) : handle_(iconv_open(code_page, "UTF-8")) {}
+  ~IconvFromUtf8() {
+    if (IsOpen()) iconv_close(handle_);
+  }
+  IconvFromUtf8(const IconvFromUtf8&) = delete;
+  IconvFromUtf8& operator=(const IconvFromUtf8&) = delete;
+
+  bool IsOpen() const { return handle_ != reinterpret_cast<iconv_t>(-1); }
+
+  // The bytes of the text, or nothing when the code page cannot represent it.
+  std::optional<std::string> Convert(const std::string& utf8) {
+    std::string input = utf8;
+    std::string output(16, '\0');
+    char* in = input.data();
+    char* out = output.data();
+    std::size_t in_left = input.size();
+    std::size_t out_left = output.size();
+    if (iconv(handle_, &in, &in_left, &out, &out_left) == static_cast<std::size_t>(-1)) return std::nullopt;
+    output.resize(output.size() - out_left);
+    return output;
+  }
+
+ private:
+  iconv_t handle_;
+};
+
+TEST(CodePageTable, ColumnsAgreeWithGlibcIconvExceptTheDeliberateCells) {
+  struct Deviation {
+    CzechColumn column;
+    std::size_t row;                  // 1-based, as the table is documented
+    unsigned char published_byte;     // what the published code page has there
+  };
+  const std::vector<Deviation> deviations = {
+      {CzechColumn::Iso8859_2, 20, 0xA5},  // Ľ keeps the Windows-1250 byte BC
+      {CzechColumn::Iso8859_2, 38, 0xB5},  // ľ keeps the Windows-1250 byte BE
+      {CzechColumn::Cp852, 22, 0x99},      // Ö holds E2, the byte of Ô
+  };
+  const struct {
+    CzechColumn column;
+    const char* iconv_name;
+  } columns[] = {{CzechColumn::Windows1250, "WINDOWS-1250"},
+                 {CzechColumn::Iso8859_2, "ISO-8859-2"},
+                 {CzechColumn::Cp852, "CP852"}};
+
+  for (const auto& checked : columns) {
+    const CzechColumn column = checked.column;
+    const char* const iconv_name = checked.iconv_name;
+    IconvFromUtf8 converter(iconv_name);
+    ASSERT_TRUE(converter.IsOpen()) << "glibc iconv does not know the code page " << iconv_name
+                                    << "; the gconv modules of the C library are missing";
+    for (std::size_t row = 1; row <= CzechLetters.size(); ++row) {
+      const CzechLetter& letter = CzechLetters[row - 1];
+      const std::optional<std::string> published = converter.Convert(ToUtf8(String(1, letter.Letter)));
+      ASSERT_TRUE(published.has_value() && published->size() == 1)
+          << iconv_name << " cannot encode the letter of row " << row;
+      const auto published_byte = static_cast<unsigned char>((*published)[0]);
+      const auto deviation = std::ranges::find_if(
+          deviations, [&](const Deviation& d) { return d.column == column && d.row == row; });
+      if (deviation == deviations.end()) {
+        EXPECT_EQ(letter.In(column), published_byte) << iconv_name << ", row " << row;
+      } else {
+        EXPECT_EQ(deviation->published_byte, published_byte) << iconv_name << ", row " << row;
+        EXPECT_NE(letter.In(column), published_byte) << iconv_name << ", row " << row << " must deviate";
+      }
+    }
+  }
+}
+
+}  // namespace
+}  // namespace veska
