@@ -1,0 +1,252 @@
+#include <gtest/gtest.h>
+
+#include <filesystem>
+#include <stdexcept>
+#include <thread>
+#include <vector>
+
+#include "kernel/platform/application.h"
+#include "kernel/platform/exceptions.h"
+#include "kernel/platform/message_sink.h"
+
+namespace veska {
+namespace {
+
+// Counts how often the discard of each message runs.
+class DiscardCounter {
+ public:
+  explicit DiscardCounter(std::size_t messages) : counts_(messages, 0) {}
+  std::function<void()> For(std::size_t message) {
+    return [this, message] { ++counts_[message]; };
+  }
+  int operator[](std::size_t message) const { return counts_[message]; }
+
+ private:
+  std::vector<int> counts_;
+};
+
+// A host that records what a real user interface would show.
+class RecordingHost : public TApplication {
+ public:
+  std::vector<TCursor> cursors;
+  std::vector<TProgressEvent> events;
+  std::vector<TProgressState> states;
+
+ protected:
+  void CursorChanged(TCursor cursor) override { cursors.push_back(cursor); }
+  void ProgressChanged(TProgressEvent event, const TProgressState& state) override {
+    events.push_back(event);
+    states.push_back(state);
+  }
+};
+
+TEST(Application, StartsWithThePlatformDefaults) {
+  const TApplication host;
+  const TApplication other;
+  EXPECT_TRUE(host.ShowHint());
+  EXPECT_EQ(host.HintPause(), 500);
+  EXPECT_EQ(host.HintHidePause(), 2500);
+  EXPECT_EQ(host.HintColor(), static_cast<std::int32_t>(0x80000018u));
+  EXPECT_EQ(host.Hint(), u"");
+  EXPECT_EQ(host.HelpFile(), u"");
+  EXPECT_EQ(host.Cursor(), TCursor::Default);
+  EXPECT_NE(host.MainFormHandle(), 0u);
+  EXPECT_NE(host.MainFormHandle(), other.MainFormHandle());
+  // This test program is the running executable; the title is its name without extension.
+  EXPECT_EQ(FromUtf8(std::filesystem::path(ToUtf8(host.ExeName())).filename().string()),
+            u"veska_platform_tests");
+  EXPECT_EQ(host.Title(), u"veska_platform_tests");
+}
+
+TEST(Application, MainThreadIsTheCreatingThread) {
+  const TApplication host;
+  EXPECT_EQ(host.MainThreadID(), std::this_thread::get_id());
+  EXPECT_TRUE(host.IsMainThread());
+  bool on_main_thread = true;
+  std::thread([&] { on_main_thread = host.IsMainThread(); }).join();
+  EXPECT_FALSE(on_main_thread);
+}
+
+TEST(Application, OneCurrentHostInstalledAndUninstalled) {
+  TApplication& default_host = Application();
+  EXPECT_EQ(&Application(), &default_host);  // created once
+  {
+    TApplication first;
+    RecordingHost second;
+    EXPECT_EQ(SetApplication(&first), nullptr);
+    EXPECT_EQ(&Application(), &first);
+    EXPECT_EQ(SetApplication(&second), &first);
+    EXPECT_EQ(&Application(), &second);
+  }  // the current host goes away and uninstalls itself
+  EXPECT_EQ(&Application(), &default_host);
+}
+
+TEST(Application, HooksObserveCursorAndProgress) {
+  RecordingHost host;
+  host.SetCursor(TCursor::HourGlass);
+  host.SetCursor(TCursor::HourGlass);  // no change, no call
+  host.SetCursor(TCursor::Default);
+  EXPECT_EQ(host.cursors, (std::vector<TCursor>{TCursor::HourGlass, TCursor::Default}));
+
+  host.SetProgress(5);  // nothing runs yet: ignored
+  host.StartProgress(u"Načítání", 0, 400);
+  host.SetProgress(200);
+  host.SetMaxProgress(600);
+  host.SetProgressText(u"200 bytů z celkových 600");
+  host.EndProgress();
+  host.EndProgress();
+  EXPECT_EQ(host.events, (std::vector<TProgressEvent>{TProgressEvent::Start, TProgressEvent::Position,
+                                                      TProgressEvent::Maximum, TProgressEvent::Text,
+                                                      TProgressEvent::End}));
+  const TProgressState& last = host.states.back();
+  EXPECT_FALSE(last.Active);
+  EXPECT_EQ(last.Caption, u"Načítání");
+  EXPECT_EQ(last.Text, u"200 bytů z celkových 600");
+  EXPECT_EQ(last.Min, 0);
+  EXPECT_EQ(last.Max, 600);
+  EXPECT_EQ(last.Position, 200);
+  EXPECT_TRUE(host.states.front().Active);
+  EXPECT_EQ(host.states.front().Position, 0);
+}
+
+TEST(WindowMessages, ProcessedInPostingOrderIncludingMessagesPostedMeanwhile) {
+  TApplication host;
+  std::vector<std::uint32_t> seen;
+  host.SetWindowProc([&](TWindowMessage& message) {
+    seen.push_back(message.Msg);
+    if (message.Msg == 1) host.PostMessage(10, 0, 0);  // goes behind 2 and 3
+    if (message.Msg == 2) {
+      host.PostMessage(20, 0, 0);
+      host.ProcessMessages();  // nested: drains 3, 10 and 20 first
+    }
+    return true;
+  });
+  host.PostMessage(1, 0, 0);
+  host.PostMessage(2, 0, 0);
+  host.PostMessage(3, 0, 0);
+  EXPECT_EQ(host.PendingMessageCount(), 3u);
+  host.ProcessMessages();
+  EXPECT_EQ(seen, (std::vector<std::uint32_t>{1, 2, 3, 10, 20}));
+  EXPECT_EQ(host.PendingMessageCount(), 0u);
+}
+
+TEST(WindowMessages, UntakenMessagesAreDiscardedOnceAndTakenOnesNever) {
+  DiscardCounter discards(6);
+  {
+    TApplication host;
+    host.SetWindowProc([](TWindowMessage& message) { return message.WParam == 123; });
+    host.PostMessage(WM_APP + 100, 123, 0, discards.For(0));  // taken
+    host.PostMessage(WM_APP + 100, 7, 0, discards.For(1));    // refused
+    host.ProcessMessages();
+    host.ProcessMessages();
+
+    host.SetWindowProc(nullptr);
+    host.PostMessage(WM_USER, 123, 0, discards.For(2));  // nobody to take it
+    host.PostMessage(WM_USER, 0, 0);                     // nothing to discard
+    host.ProcessMessages();
+
+    host.PostMessage(WM_USER, 0, 0, discards.For(3));
+    host.ClearMessages();
+    EXPECT_EQ(host.PendingMessageCount(), 0u);
+    host.PostMessage(WM_USER, 0, 0, discards.For(4));
+    host.PostMessage(WM_USER, 0, 0, discards.For(5));
+  }  // the host's end discards what is still pending
+  EXPECT_EQ(discards[0], 0);
+  for (std::size_t message = 1; message < 6; ++message) EXPECT_EQ(discards[message], 1) << message;
+}
+
+TEST(WindowMessages, SendCallsTheWindowProcedureAtOnce) {
+  TApplication host;
+  DiscardCounter discards(2);
+  std::vector<std::uint32_t> seen;
+  host.SetWindowProc([&](TWindowMessage& message) {
+    seen.push_back(message.Msg);
+    EXPECT_EQ(message.LParam, -5);
+    return message.Msg == 1;
+  });
+  host.PostMessage(9, 0, -5);
+  EXPECT_TRUE(host.SendMessage(1, 0, -5, discards.For(0)));
+  EXPECT_EQ(seen, (std::vector<std::uint32_t>{1}));  // before the posted message
+  EXPECT_FALSE(host.SendMessage(2, 0, -5, discards.For(1)));
+  EXPECT_EQ(discards[0], 0);
+  EXPECT_EQ(discards[1], 1);
+  EXPECT_EQ(host.PendingMessageCount(), 1u);
+}
+
+TEST(WindowMessages, PostedFromOtherThreadsAndProcessedOnTheMainThread) {
+  TApplication host;
+  std::vector<std::thread::id> handled_on;
+  std::vector<std::uintptr_t> per_thread_order[4];
+  host.SetWindowProc([&](TWindowMessage& message) {
+    handled_on.push_back(std::this_thread::get_id());
+    per_thread_order[message.LParam].push_back(message.WParam);
+    return true;
+  });
+  constexpr int kPerThread = 500;
+  std::vector<std::thread> posters;
+  for (std::intptr_t thread = 0; thread < 4; ++thread) {
+    posters.emplace_back([&host, thread] {
+      for (std::uintptr_t i = 0; i < kPerThread; ++i) host.PostMessage(WM_USER, i, thread);
+    });
+  }
+  for (std::thread& poster : posters) poster.join();
+  EXPECT_EQ(host.PendingMessageCount(), 4u * kPerThread);
+  host.ProcessMessages();
+  ASSERT_EQ(handled_on.size(), 4u * kPerThread);
+  for (const std::thread::id id : handled_on) EXPECT_EQ(id, std::this_thread::get_id());
+  for (const auto& order : per_thread_order) {
+    ASSERT_EQ(order.size(), std::size_t{kPerThread});
+    for (std::uintptr_t i = 0; i < kPerThread; ++i) EXPECT_EQ(order[i], i);
+  }
+}
+
+TEST(WindowMessages, ThrowingWindowProcedureIsReportedAndItsMessageDiscarded) {
+  TApplication host;
+  DiscardCounter discards(3);
+  std::vector<std::uint32_t> seen;
+  host.SetWindowProc([&](TWindowMessage& message) -> bool {
+    seen.push_back(message.Msg);
+    if (message.Msg == 1) throw EListError(u"List index out of bounds (3)");
+    if (message.Msg == 2) throw std::runtime_error("plain failure");
+    return true;
+  });
+  const CapturedMessages captured;
+  host.PostMessage(1, 0, 0, discards.For(0));
+  host.PostMessage(2, 0, 0, discards.For(1));
+  host.PostMessage(3, 0, 0, discards.For(2));
+  host.ProcessMessages();
+  EXPECT_EQ(seen, (std::vector<std::uint32_t>{1, 2, 3}));  // went on after the failures
+  EXPECT_EQ(discards[0], 1);
+  EXPECT_EQ(discards[1], 1);
+  EXPECT_EQ(discards[2], 0);
+  ASSERT_EQ(captured.Entries().size(), 2u);
+  EXPECT_EQ(captured.Texts(), (std::vector<String>{u"List index out of bounds (3)", u"plain failure"}));
+  EXPECT_EQ(captured.Entries()[0].Kind, MessageKind::Error);
+
+  // An exception handler of the host's own takes the reports instead of the sink.
+  std::vector<String> handled;
+  host.SetOnException([&](const String& text) { handled.push_back(u"World Level Error :" + text); });
+  EXPECT_FALSE(host.SendMessage(1, 0, 0));
+  EXPECT_EQ(handled, (std::vector<String>{u"World Level Error :List index out of bounds (3)"}));
+  EXPECT_EQ(captured.Entries().size(), 2u);
+}
+
+TEST(WindowMessages, WindowProcedureMayReplaceItselfWhileRunning) {
+  TApplication host;
+  std::vector<int> calls;
+  host.SetWindowProc([&](TWindowMessage&) {
+    host.SetWindowProc([&](TWindowMessage&) {
+      calls.push_back(2);
+      return true;
+    });
+    calls.push_back(1);  // the replaced procedure still runs to its end
+    return true;
+  });
+  host.PostMessage(WM_USER, 0, 0);
+  host.PostMessage(WM_USER, 0, 0);
+  host.ProcessMessages();
+  EXPECT_EQ(calls, (std::vector<int>{1, 2}));
+}
+
+}  // namespace
+}  // namespace veska

@@ -1,0 +1,289 @@
+#include <gtest/gtest.h>
+
+#include <filesystem>
+#include <fstream>
+#include <iterator>
+#include <string>
+#include <vector>
+
+#include "kernel/platform/exceptions.h"
+#include "kernel/platform/pointer_list.h"
+#include "kernel/platform/string_list.h"
+
+namespace veska {
+namespace {
+
+// The text of the exception `action` raises, or a note that it raised none.
+template <typename ExceptionType, typename Action>
+String ErrorText(Action action) {
+  try {
+    action();
+  } catch (const ExceptionType& error) {
+    return error.Message();
+  }
+  return u"<no exception>";
+}
+
+std::vector<String> Lines(const TStringList& list) {
+  std::vector<String> lines;
+  for (int i = 0; i < list.Count(); ++i) lines.push_back(list.Get(i));
+  return lines;
+}
+
+TStringList ListOf(std::initializer_list<String> lines) {
+  TStringList list;
+  for (const String& line : lines) list.Add(line);
+  return list;
+}
+
+TEST(PointerList, BadIndexesRaiseThePlatformText) {
+  TList list;
+  int a = 0;
+  list.Add(&a);
+  EXPECT_EQ(ErrorText<EListError>([&] { list.Get(-1); }), u"List index out of bounds (-1)");
+  EXPECT_EQ(ErrorText<EListError>([&] { list.Get(1); }), u"List index out of bounds (1)");
+  EXPECT_EQ(ErrorText<EListError>([&] { list.Put(1, &a); }), u"List index out of bounds (1)");
+  EXPECT_EQ(ErrorText<EListError>([&] { list.Delete(-1); }), u"List index out of bounds (-1)");
+  EXPECT_EQ(ErrorText<EListError>([&] { list.Exchange(0, 5); }), u"List index out of bounds (5)");
+  EXPECT_EQ(ErrorText<EListError>([&] { list.Insert(2, &a); }), u"List index out of bounds (2)");
+  EXPECT_EQ(ErrorText<EListError>([&] { list.SetCapacity(0); }), u"List capacity out of bounds (0)");
+
+  TList empty;
+  EXPECT_EQ(ErrorText<EListError>([&] { empty.First(); }), u"List index out of bounds (0)");
+  EXPECT_EQ(ErrorText<EListError>([&] { empty.Last(); }), u"List index out of bounds (-1)");
+}
+
+TEST(PointerList, KeepsOrderThroughInsertDeleteExchangeAndRemove) {
+  int a = 0, b = 0, c = 0, d = 0;
+  TList list;
+  EXPECT_EQ(list.Add(&a), 0);
+  EXPECT_EQ(list.Add(&c), 1);
+  list.Insert(1, &b);
+  list.Insert(3, &d);  // at Count: appends
+  EXPECT_EQ((std::vector<void*>(list.begin(), list.end())), (std::vector<void*>{&a, &b, &c, &d}));
+
+  list.Exchange(0, 3);
+  EXPECT_EQ(list.First(), &d);
+  EXPECT_EQ(list.Last(), &a);
+  list.Delete(1);  // b
+  EXPECT_EQ(list.IndexOf(&b), -1);
+  EXPECT_EQ(list.IndexOf(&c), 1);
+
+  list.Add(&d);  // d twice: Remove takes the first
+  EXPECT_EQ(list.Remove(&d), 0);
+  EXPECT_EQ(list.Remove(&b), -1);
+  EXPECT_EQ((std::vector<void*>(list.begin(), list.end())), (std::vector<void*>{&c, &a, &d}));
+  list.Put(1, nullptr);
+  EXPECT_EQ(list[1], nullptr);
+
+  list.SetCapacity(100);
+  EXPECT_GE(list.Capacity(), 100);
+  list.SetCapacity(3);
+  EXPECT_EQ(list.Count(), 3);
+  list.Clear();
+  EXPECT_EQ(list.Count(), 0);
+}
+
+TEST(StringList, BadIndexesRaiseThePlatformText) {
+  TStringList list = ListOf({u"a", u"b"});
+  EXPECT_EQ(ErrorText<EListError>([&] { list.Get(-1); }), u"List index out of bounds (-1)");
+  EXPECT_EQ(ErrorText<EListError>([&] { list.Get(2); }), u"List index out of bounds (2)");
+  EXPECT_EQ(ErrorText<EListError>([&] { list.Objects(2); }), u"List index out of bounds (2)");
+  EXPECT_EQ(ErrorText<EListError>([&] { list.Delete(2); }), u"List index out of bounds (2)");
+  EXPECT_EQ(ErrorText<EListError>([&] { list.Insert(3, u"x"); }), u"List index out of bounds (3)");
+  EXPECT_EQ(ErrorText<EListError>([&] { list.Names(-1); }), u"List index out of bounds (-1)");
+  EXPECT_EQ(list.ValueFromIndex(-1), u"");  // a negative index is "not found", not an error
+}
+
+TEST(StringList, ObjectsTravelWithTheirLines) {
+  int one = 1, two = 2;
+  TStringList list;
+  list.AddObject(u"one", &one);
+  list.Add(u"none");
+  list.InsertObject(0, u"two", &two);
+  list.Exchange(0, 2);
+  EXPECT_EQ(Lines(list), (std::vector<String>{u"none", u"one", u"two"}));
+  EXPECT_EQ(list.Objects(0), nullptr);
+  EXPECT_EQ(list.Objects(2), &two);
+  list.Delete(0);
+  EXPECT_EQ(list.Objects(0), &one);
+  list.PutObject(0, nullptr);
+  list.Put(0, u"uno");
+  EXPECT_EQ(list.Get(0), u"uno");
+  EXPECT_EQ(list.Objects(0), nullptr);
+}
+
+TEST(StringList, IndexOfIgnoresCaseUnlessCaseSensitive) {
+  TStringList list = ListOf({u"Žluťoučký", u"kůň", u"KŮŇ"});
+  EXPECT_EQ(list.IndexOf(u"ŽLUŤOUČKÝ"), 0);
+  EXPECT_EQ(list.IndexOf(u"Kůň"), 1);
+  EXPECT_EQ(list.IndexOf(u"kun"), -1);
+  list.SetCaseSensitive(true);
+  EXPECT_EQ(list.IndexOf(u"KŮŇ"), 2);
+  EXPECT_EQ(list.IndexOf(u"Kůň"), -1);
+}
+
+TEST(StringList, NameValueLines) {
+  TStringList list = ListOf({u"plain", u"Width=10", u"=nameless", u"Path=a=b", u"width=20"});
+  EXPECT_EQ(list.Names(0), u"");
+  EXPECT_EQ(list.Names(3), u"Path");
+  EXPECT_EQ(list.IndexOfName(u"WIDTH"), 1);  // the first of the two, ignoring case
+  EXPECT_EQ(list.Values(u"width"), u"10");
+  EXPECT_EQ(list.Values(u"path"), u"a=b");   // split at the first "="
+  EXPECT_EQ(list.Values(u""), u"nameless");
+  EXPECT_EQ(list.Values(u"plain"), u"");     // a line without "=" has no name
+  EXPECT_EQ(list.ValueFromIndex(0), u"");
+  EXPECT_EQ(list.ValueFromIndex(3), u"a=b");
+
+  list.SetValue(u"WIDTH", u"30");            // rewrites the line with the name as given
+  EXPECT_EQ(list.Get(1), u"WIDTH=30");
+  list.SetValue(u"Height", u"5");            // appended
+  EXPECT_EQ(list.Get(list.Count() - 1), u"Height=5");
+  list.SetValue(u"path", u"");               // an empty value deletes the line
+  EXPECT_EQ(list.IndexOfName(u"Path"), -1);
+  list.SetValue(u"missing", u"");            // nothing to delete
+  EXPECT_EQ(Lines(list), (std::vector<String>{u"plain", u"WIDTH=30", u"=nameless", u"width=20", u"Height=5"}));
+}
+
+TEST(StringList, SortedListsKeepOrderAndApplyDuplicates) {
+  TStringList list = ListOf({u"pear", u"Apple", u"čaj", u"fig"});
+  list.SetSorted(true);
+  EXPECT_EQ(Lines(list), (std::vector<String>{u"Apple", u"fig", u"pear", u"čaj"}));
+  EXPECT_EQ(list.Add(u"banana"), 1);
+  EXPECT_EQ(list.Add(u"APPLE"), 0);          // ignored: the index of the line held
+  EXPECT_EQ(list.Count(), 5);
+  EXPECT_EQ(list.IndexOf(u"PEAR"), 3);
+  int index = -1;
+  EXPECT_FALSE(list.Find(u"grape", index));
+  EXPECT_EQ(index, 3);
+
+  list.SetDuplicates(TDuplicates::Accept);
+  EXPECT_EQ(list.Add(u"FIG"), 2);            // before the equal line already there
+  EXPECT_EQ(list.Get(3), u"fig");
+
+  list.SetDuplicates(TDuplicates::Error);
+  EXPECT_EQ(ErrorText<EListError>([&] { list.Add(u"pear"); }), u"String list does not allow duplicates");
+  EXPECT_EQ(ErrorText<EListError>([&] { list.Insert(0, u"x"); }), u"Operation not allowed on sorted list");
+  EXPECT_EQ(ErrorText<EListError>([&] { list.Put(0, u"x"); }), u"Operation not allowed on sorted list");
+  // Kept from the platform: a new name=value line goes in through Put, which a sorted list refuses.
+  EXPECT_EQ(ErrorText<EListError>([&] { list.SetValue(u"k", u"v"); }), u"Operation not allowed on sorted list");
+}
+
+TEST(StringList, TextEndsEveryLineAndSplitsOnAnyLineBreak) {
+  TStringList list = ListOf({u"a", u"", u"č"});
+  EXPECT_EQ(list.Text(), u"a\r\n\r\nč\r\n");
+  list.SetText(u"one\r\ntwo\nthree\rfour\n\rfive\r\n");
+  EXPECT_EQ(Lines(list), (std::vector<String>{u"one", u"two", u"three", u"four", u"", u"five"}));
+  list.SetText(u"\r\n");
+  EXPECT_EQ(Lines(list), (std::vector<String>{u""}));
+  list.SetText(String(u"kept\nlost", 9) + u'\0' + u"\nlost");
+  EXPECT_EQ(Lines(list), (std::vector<String>{u"kept", u"lost"}));
+  list.SetText(u"");
+  EXPECT_EQ(list.Count(), 0);
+}
+
+TEST(StringList, CommaTextQuotesWhatNeedsItAndReadsItBack) {
+  const TStringList list = ListOf({u"plain", u"two words", u"a,b", u"say \"hi\"", u"", u"tab\there", u"ř"});
+  const String text = list.CommaText();
+  EXPECT_EQ(text, u"plain,\"two words\",\"a,b\",\"say \"\"hi\"\"\",,\"tab\there\",ř");
+  TStringList back;
+  back.SetCommaText(text);
+  EXPECT_EQ(Lines(back), Lines(list));
+
+  EXPECT_EQ(ListOf({u""}).CommaText(), u"\"\"");
+  EXPECT_EQ(TStringList().CommaText(), u"");
+
+  // Unquoted blanks separate too; blanks around parts go; a trailing comma adds an empty part;
+  // an unterminated quote runs to the end.
+  back.SetCommaText(u"  a b ,, \"c d\"e,\"open ,end");
+  EXPECT_EQ(Lines(back), (std::vector<String>{u"a", u"b", u"", u"c d", u"e", u"open ,end"}));
+  back.SetCommaText(u"x,");
+  EXPECT_EQ(Lines(back), (std::vector<String>{u"x", u""}));
+}
+
+TEST(StringList, DelimitedTextUsesTheListsDelimiterAndQuote) {
+  TStringList list;
+  list.SetDelimiter(u';');
+  list.SetQuoteChar(u'\'');
+  list.SetDelimitedText(u"a b;'c;d';'it''s'");
+  EXPECT_EQ(Lines(list), (std::vector<String>{u"a", u"b", u"c;d", u"it's"}));
+  EXPECT_EQ(list.DelimitedText(), u"a;b;'c;d';'it''s'");
+  EXPECT_EQ(list.CommaText(), u"a,b,c;d,it's");  // CommaText keeps its own rules
+
+  list.SetStrictDelimiter(true);
+  list.SetDelimitedText(u" a b ; c");
+  EXPECT_EQ(Lines(list), (std::vector<String>{u" a b ", u" c"}));
+  EXPECT_EQ(list.DelimitedText(), u" a b ; c");
+}
+
+class StringListFile : public testing::Test {
+ protected:
+  void SetUp() override {
+    directory_ = std::filesystem::temp_directory_path() /
+                 ("veska_lists_" + std::to_string(::testing::UnitTest::GetInstance()->random_seed()) +
+                  "_" + ::testing::UnitTest::GetInstance()->current_test_info()->name());
+    std::filesystem::create_directories(directory_);
+  }
+  void TearDown() override { std::filesystem::remove_all(directory_); }
+
+  String PathOf(const std::string& name) const { return FromUtf8((directory_ / name).string()); }
+  std::string Bytes(const std::string& name) const {
+    std::ifstream file(directory_ / name, std::ios::binary);
+    return std::string(std::istreambuf_iterator<char>(file), {});
+  }
+  void Write(const std::string& name, const std::string& bytes) const {
+    std::ofstream(directory_ / name, std::ios::binary) << bytes;
+  }
+
+  std::filesystem::path directory_;
+};
+
+TEST_F(StringListFile, SavesAndLoadsWindows1250ByDefault) {
+  const TStringList list = ListOf({u"Příliš žluťoučký kůň", u"úpěl=ďábelské ódy"});
+  list.SaveToFile(PathOf("cz.txt"));
+  EXPECT_EQ(Bytes("cz.txt"),
+            "P\xF8\xED\x6Ci\x9A \x9Elu\x9Dou\xE8k\xFD k\xF9\xF2\r\n\xFAp\xECl=\xEF\xE1\x62\x65lsk\xE9 \xF3\x64y\r\n");
+  TStringList back;
+  back.Add(u"replaced");
+  back.LoadFromFile(PathOf("cz.txt"));
+  EXPECT_EQ(Lines(back), Lines(list));
+}
+
+TEST_F(StringListFile, Utf8IsWrittenWithItsByteOrderMarkAndRecognisedByIt) {
+  const TStringList list = ListOf({u"Čeština", u"€ 5"});
+  list.SaveToFile(PathOf("utf8.txt"), TTextEncoding::Utf8);
+  EXPECT_EQ(Bytes("utf8.txt"), "\xEF\xBB\xBF\xC4\x8C\x65\xC5\xA1tina\r\n\xE2\x82\xAC 5\r\n");
+  TStringList back;
+  back.LoadFromFile(PathOf("utf8.txt"));
+  EXPECT_EQ(Lines(back), Lines(list));
+
+  // Without the mark the same bytes are Windows-1250.
+  Write("nobom.txt", "\xC4\x8D");
+  back.LoadFromFile(PathOf("nobom.txt"));
+  EXPECT_EQ(Lines(back), (std::vector<String>{u"ÄŤ"}));
+}
+
+TEST_F(StringListFile, Utf16FilesAreRecognisedByTheirByteOrderMark) {
+  Write("le.txt", std::string("\xFF\xFE\x0D\x01\x0D\x00\x0A\x00z\x00\x01", 11));  // odd last byte dropped
+  TStringList list;
+  list.LoadFromFile(PathOf("le.txt"));
+  EXPECT_EQ(Lines(list), (std::vector<String>{u"č", u"z"}));
+  Write("be.txt", std::string("\xFE\xFF\x01\x0D", 4));
+  list.LoadFromFile(PathOf("be.txt"));
+  EXPECT_EQ(Lines(list), (std::vector<String>{u"č"}));
+}
+
+TEST_F(StringListFile, FilesThatCannotBeOpenedRaiseEFOpenErrorNamingThem) {
+  TStringList list;
+  const String missing = PathOf("missing.txt");
+  EXPECT_EQ(ErrorText<EFOpenError>([&] { list.LoadFromFile(missing); }),
+            u"Cannot open file \"" + missing + u"\". No such file or directory");
+  const String directory = FromUtf8(directory_.string());
+  EXPECT_EQ(ErrorText<EFOpenError>([&] { list.LoadFromFile(directory); }),
+            u"Cannot open file \"" + directory + u"\". Is a directory");
+  EXPECT_EQ(ErrorText<EFOpenError>([&] { list.SaveToFile(directory); }),
+            u"Cannot create file \"" + directory + u"\". Is a directory");
+}
+
+}  // namespace
+}  // namespace veska
