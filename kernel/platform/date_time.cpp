@@ -105,6 +105,12 @@ TDateTime LastMillisecondOf(TDateTime day) {
   return CombineDateAndTime(day, EncodeTime(23, 59, 59, 999));
 }
 
+using std::chrono::system_clock;
+
+std::int64_t MillisecondsSinceUnixEpoch(system_clock::time_point point) {
+  return std::chrono::duration_cast<std::chrono::milliseconds>(point.time_since_epoch()).count();
+}
+
 }  // namespace
 
 bool IsLeapYear(int year) { return year % 4 == 0 && (year % 100 != 0 || year % 400 == 0); }
@@ -241,16 +247,6 @@ TDateTime IncMilliSecond(TDateTime value, std::int64_t milliseconds) {
   if (!linear || std::fabs(double(milliseconds)) >= kLinearLimitDays * double(MSecsPerDay)) return value;
   return FromLinearMilliseconds(*linear + milliseconds);
 }
-
-namespace {
-
-using std::chrono::system_clock;
-
-std::int64_t MillisecondsSinceUnixEpoch(system_clock::time_point point) {
-  return std::chrono::duration_cast<std::chrono::milliseconds>(point.time_since_epoch()).count();
-}
-
-}  // namespace
 
 TDateTime Now() {
   const auto now = system_clock::now();

@@ -104,7 +104,8 @@ TDateTime UnixToDateTime(std::int64_t seconds);
 // ---- ISO 8601 ------------------------------------------------------------------------------
 
 // "YYYY-MM-DDThh:nn:ss.zzzZ".  When inputIsUTC is false the value is a local time of an unknown
-// zone and the text carries no zone designator.  Nothing reads the machine's time zone.
+// zone and the text carries no zone designator.  Nothing reads the machine's time zone.  A value
+// outside the calendar range writes its date as 0000-00-00, like every decoding.
 String DateToISO8601(TDateTime value, bool inputIsUTC = true);
 
 // Reads a date ("2031-05-01", "20310501") optionally followed by "T" (or "t" or a space) and a time

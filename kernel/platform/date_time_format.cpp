@@ -1,6 +1,7 @@
 // The "locale" text forms of date-times: formatting by pattern and the readers of the short date
 // and long time forms.  Every separator, pattern and name comes from a TFormatSettings record.
 #include <cstddef>
+#include <utility>
 
 #include "kernel/platform/date_time.h"
 #include "kernel/platform/exceptions.h"
