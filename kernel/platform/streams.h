@@ -53,6 +53,8 @@ class TStream {
 class TMemoryStream : public TStream {
  public:
   TMemoryStream() = default;
+  // A stream holding a copy of the content, positioned at its start.
+  explicit TMemoryStream(std::span<const std::byte> content) : data_(content.begin(), content.end()) {}
 
   std::size_t Read(std::span<std::byte> buffer) override;
   std::size_t Write(std::span<const std::byte> data) override;
