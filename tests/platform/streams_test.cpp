@@ -1,0 +1,187 @@
+#include "kernel/platform/streams.h"
+
+#include <gtest/gtest.h>
+
+#include <filesystem>
+#include <random>
+#include <string>
+#include <vector>
+
+#include "kernel/platform/exceptions.h"
+
+namespace veska {
+namespace {
+
+std::span<const std::byte> BytesOf(std::string_view text) { return std::as_bytes(std::span(text)); }
+
+std::string ReadAll(TStream& stream) {
+  stream.SetPosition(0);
+  std::string text(static_cast<std::size_t>(stream.Size()), '\0');
+  stream.ReadBuffer(std::as_writable_bytes(std::span(text)));
+  return text;
+}
+
+TEST(MemoryStream, GrowsOnWriteAndReadsBack) {
+  TMemoryStream stream;
+  std::string expected;
+  for (int i = 0; i < 5000; ++i) {
+    const std::string piece = std::to_string(i) + ",";
+    stream.WriteBuffer(BytesOf(piece));
+    expected += piece;
+  }
+  EXPECT_EQ(stream.Size(), static_cast<int64_t>(expected.size()));
+  EXPECT_EQ(stream.Position(), stream.Size());
+  EXPECT_EQ(ReadAll(stream), expected);
+
+  std::array<std::byte, 4> buffer{};
+  EXPECT_EQ(stream.Read(buffer), 0u);  // at the end
+}
+
+TEST(MemoryStream, SeeksFromEveryOriginAndFillsGapsWithZeros) {
+  TMemoryStream stream;
+  stream.WriteBuffer(BytesOf("abcdef"));
+  EXPECT_EQ(stream.Seek(2, TSeekOrigin::soBeginning), 2);
+  EXPECT_EQ(stream.Seek(1, TSeekOrigin::soCurrent), 3);
+  EXPECT_EQ(stream.Seek(-1, TSeekOrigin::soEnd), 5);
+  EXPECT_THROW(stream.Seek(-7, TSeekOrigin::soEnd), EStreamError);
+  EXPECT_EQ(stream.Position(), 5);  // a refused seek leaves the position alone
+
+  EXPECT_EQ(stream.Seek(3, TSeekOrigin::soEnd), 9);  // past the end is allowed
+  EXPECT_EQ(stream.Size(), 6);
+  stream.WriteBuffer(BytesOf("Z"));
+  EXPECT_EQ(ReadAll(stream), std::string("abcdef\0\0\0Z", 10));
+}
+
+TEST(MemoryStream, SetSizeTruncatesAndPullsThePositionBack) {
+  TMemoryStream stream;
+  stream.WriteBuffer(BytesOf("0123456789"));
+  stream.SetSize(4);
+  EXPECT_EQ(stream.Position(), 4);
+  EXPECT_EQ(ReadAll(stream), "0123");
+  stream.SetSize(6);
+  EXPECT_EQ(ReadAll(stream), std::string("0123\0\0", 6));
+  stream.Clear();
+  EXPECT_EQ(stream.Size(), 0);
+  EXPECT_EQ(stream.Position(), 0);
+}
+
+TEST(MemoryStream, ReadBufferReportsTheShortfall) {
+  TMemoryStream stream;
+  stream.WriteBuffer(BytesOf("abcdefghijkl"));
+  stream.SetPosition(10);
+  std::array<std::byte, 4> buffer{};
+  try {
+    stream.ReadBuffer(buffer);
+    FAIL() << "a short read must raise";
+  } catch (const EReadError& error) {
+    EXPECT_EQ(error.Message(), u"Stream read error: 4 bytes wanted at position 10, 2 left");
+  }
+}
+
+TEST(MemoryStream, CopyFromCopiesAPartOrTheWholeSource) {
+  TMemoryStream source;
+  std::string content(200000, '\0');
+  std::mt19937 random(7);
+  for (char& c : content) c = static_cast<char>(random());
+  source.WriteBuffer(BytesOf(content));
+
+  TMemoryStream whole;
+  EXPECT_EQ(whole.CopyFrom(source, 0), static_cast<int64_t>(content.size()));
+  EXPECT_EQ(ReadAll(whole), content);
+
+  TMemoryStream part;
+  source.SetPosition(100);
+  EXPECT_EQ(part.CopyFrom(source, 5), 5);
+  EXPECT_EQ(ReadAll(part), content.substr(100, 5));
+  EXPECT_THROW(part.CopyFrom(source, -1), EStreamError);
+}
+
+class FileStreamTest : public ::testing::Test {
+ protected:
+  void SetUp() override {
+    directory_ = std::filesystem::temp_directory_path() /
+                 ("veska_streams_" + std::to_string(std::random_device{}()) + "_" +
+                  ::testing::UnitTest::GetInstance()->current_test_info()->name());
+    std::filesystem::create_directories(directory_);
+  }
+  void TearDown() override { std::filesystem::remove_all(directory_); }
+
+  String PathTo(std::string_view name) const { return (directory_ / name).u16string(); }
+
+  std::filesystem::path directory_;
+};
+
+TEST_F(FileStreamTest, CreatesWritesAndReadsBack) {
+  const String name = PathTo("model.bin");
+  {
+    TFileStream file(name, TFileMode::fmCreate);
+    file.WriteBuffer(BytesOf("hello, file"));
+    EXPECT_EQ(file.Size(), 11);
+    EXPECT_EQ(file.FileName(), name);
+  }
+  TFileStream file(name, TFileMode::fmOpenRead);
+  EXPECT_EQ(file.Size(), 11);
+  file.SetPosition(7);
+  std::array<std::byte, 4> tail{};
+  file.ReadBuffer(tail);
+  EXPECT_EQ(std::string(reinterpret_cast<const char*>(tail.data()), 4), "file");
+  EXPECT_THROW(file.WriteBuffer(BytesOf("x")), EWriteError);  // read-only
+}
+
+TEST_F(FileStreamTest, ReadWriteModeKeepsContentAndAlternatesReadsAndWrites) {
+  const String name = PathTo("data.bin");
+  { TFileStream(name, TFileMode::fmCreate).WriteBuffer(BytesOf("abcdefgh")); }
+  {
+    TFileStream file(name, TFileMode::fmOpenReadWrite);
+    std::array<std::byte, 2> two{};
+    file.ReadBuffer(two);                 // "ab"
+    file.WriteBuffer(BytesOf("XY"));      // over "cd"
+    file.ReadBuffer(two);                 // "ef"
+    EXPECT_EQ(std::string(reinterpret_cast<const char*>(two.data()), 2), "ef");
+    file.Seek(2, TSeekOrigin::soEnd);
+    file.WriteBuffer(BytesOf("!"));       // a gap of two zero bytes
+    file.SetSize(9);
+  }
+  {
+    TFileStream file(name, TFileMode::fmOpenWrite);
+    std::array<std::byte, 1> one{};
+    EXPECT_EQ(file.Read(one), 0u);  // write-only
+    file.WriteBuffer(BytesOf("A"));
+  }
+  TFileStream file(name, TFileMode::fmOpenRead);
+  EXPECT_EQ(ReadAll(file), std::string("AbXYefgh\0", 9));
+}
+
+TEST_F(FileStreamTest, OpenFailureNamesTheFile) {
+  const String missing = PathTo("missing.vsk");
+  try {
+    TFileStream file(missing, TFileMode::fmOpenRead);
+    FAIL() << "opening a missing file must raise";
+  } catch (const EFOpenError& error) {
+    EXPECT_EQ(error.Message(), u"Cannot open file \"" + missing + u"\". No such file or directory");
+  }
+  const String in_missing_folder = PathTo("no/such/folder/new.vsk");
+  try {
+    TFileStream file(in_missing_folder, TFileMode::fmCreate);
+    FAIL() << "creating a file in a missing folder must raise";
+  } catch (const EFOpenError& error) {
+    EXPECT_EQ(error.Message().rfind(u"Cannot create file \"" + in_missing_folder + u"\".", 0), 0u);
+  }
+}
+
+TEST_F(FileStreamTest, MemoryStreamLoadsAndSavesWholeFiles) {
+  const String name = PathTo("Příliš žluťoučký.bin");  // a non-ASCII file name
+  TMemoryStream original;
+  original.WriteBuffer(BytesOf(std::string("VSK0\0\1\2", 7)));
+  original.SaveToFile(name);
+
+  TMemoryStream loaded;
+  loaded.WriteBuffer(BytesOf("old content that is replaced"));
+  loaded.LoadFromFile(name);
+  EXPECT_EQ(loaded.Position(), 0);
+  EXPECT_EQ(ReadAll(loaded), std::string("VSK0\0\1\2", 7));
+  EXPECT_THROW(loaded.LoadFromFile(PathTo("absent")), EFOpenError);
+}
+
+}  // namespace
+}  // namespace veska

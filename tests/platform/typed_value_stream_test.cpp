@@ -1,0 +1,455 @@
+#include "kernel/platform/typed_value_stream.h"
+
+#include <gtest/gtest.h>
+
+#include <bit>
+#include <cmath>
+#include <functional>
+#include <limits>
+#include <random>
+#include <vector>
+
+#include "kernel/platform/exceptions.h"
+#include "kernel/platform/message_sink.h"
+
+namespace veska {
+namespace {
+
+using Bytes = std::vector<uint8_t>;
+
+std::span<const std::byte> Raw(const Bytes& bytes) { return std::as_bytes(std::span(bytes)); }
+
+Bytes ContentOf(const TMemoryStream& stream) {
+  const auto memory = stream.Memory();
+  Bytes bytes(memory.size());
+  for (std::size_t i = 0; i < memory.size(); ++i) bytes[i] = std::to_integer<uint8_t>(memory[i]);
+  return bytes;
+}
+
+// What one writer call produces.
+Bytes Written(const std::function<void(TWriter&)>& write) {
+  TMemoryStream stream;
+  {
+    TWriter writer(stream);
+    write(writer);
+  }
+  return ContentOf(stream);
+}
+
+TExtendedBytes Extended(const Bytes& bytes) {
+  TExtendedBytes result{};
+  for (std::size_t i = 0; i < result.size(); ++i) result[i] = std::byte{bytes.at(i)};
+  return result;
+}
+
+String ReadErrorOf(const Bytes& bytes, const std::function<void(TReader&)>& read) {
+  TMemoryStream stream(Raw(bytes));
+  TReader reader(stream);
+  try {
+    read(reader);
+  } catch (const EReadError& error) {
+    return error.Message();
+  }
+  return u"(no error)";
+}
+
+TEST(TypedValueWriter, IntegersTakeTheSmallestTag) {
+  EXPECT_EQ(Written([](TWriter& w) { w.WriteInteger(-128); }), (Bytes{2, 0x80}));
+  EXPECT_EQ(Written([](TWriter& w) { w.WriteInteger(127); }), (Bytes{2, 0x7F}));
+  EXPECT_EQ(Written([](TWriter& w) { w.WriteInteger(128); }), (Bytes{3, 0x80, 0x00}));
+  EXPECT_EQ(Written([](TWriter& w) { w.WriteInteger(-32769); }), (Bytes{4, 0xFF, 0x7F, 0xFF, 0xFF}));
+  EXPECT_EQ(Written([](TWriter& w) { w.WriteInteger(int64_t{1} << 31); }),
+            (Bytes{19, 0, 0, 0, 0x80, 0, 0, 0, 0}));
+  EXPECT_EQ(Written([](TWriter& w) { w.WriteInt64(-1); }), (Bytes{19, 0xFF, 0xFF, 0xFF, 0xFF, 0xFF, 0xFF, 0xFF, 0xFF}));
+}
+
+TEST(TypedValueWriter, StringsChooseTheirFormByContentAndLength) {
+  EXPECT_EQ(Written([](TWriter& w) { w.WriteString(u"Žák"); }), (Bytes{6, 3, 0x8E, 0xE1, 'k'}));
+  EXPECT_EQ(Written([](TWriter& w) { w.WriteString(String(255, u'a')); }).size(), 2u + 255u);
+  const Bytes long_text = Written([](TWriter& w) { w.WriteString(String(256, u'a')); });
+  EXPECT_EQ(Bytes(long_text.begin(), long_text.begin() + 5), (Bytes{12, 0, 1, 0, 0}));
+  // Text that Windows-1250 cannot carry goes as UTF-16, whatever its length.
+  EXPECT_EQ(Written([](TWriter& w) { w.WriteString(u"a中"); }), (Bytes{18, 2, 0, 0, 0, 'a', 0, 0x2D, 0x4E}));
+  EXPECT_EQ(Written([](TWriter& w) { w.WriteUTF8String(u"č"); }), (Bytes{20, 2, 0, 0, 0, 0xC4, 0x8D}));
+  EXPECT_EQ(Written([](TWriter& w) { w.WriteChar(u'€'); }), (Bytes{6, 1, 0x80}));
+  EXPECT_EQ(Written([](TWriter& w) { w.WriteChar(u'ω'); }), (Bytes{18, 1, 0, 0, 0, 0xC9, 0x03}));
+}
+
+TEST(TypedValueWriter, IdentifiersBooleansAndSignature) {
+  EXPECT_EQ(Written([](TWriter& w) {
+              w.WriteSignature("VSK0");
+              w.WriteIdent(u"alClient");
+              w.WriteIdent(u"TRUE");
+              w.WriteIdent(u"nil");
+              w.WriteBoolean(false);
+            }),
+            (Bytes{'V', 'S', 'K', '0', 7, 8, 'a', 'l', 'C', 'l', 'i', 'e', 'n', 't', 9, 13, 8}));
+  TMemoryStream stream;
+  TWriter writer(stream);
+  EXPECT_THROW(writer.WriteSignature("VSK"), EWriteError);
+  EXPECT_THROW(writer.WriteIdent(String(256, u'x')), EWriteError);
+  EXPECT_EQ(writer.Position(), 0);  // nothing of a refused value was written
+}
+
+TEST(TypedValueStream, EveryWriterMethodRoundTrips) {
+  const String czech = u"Příliš žluťoučký kůň";
+  const String mixed = u"ω and 中 \U0001F600";
+  const String long_czech(5000, u'ř');  // longer than the buffers of both sides
+  TMemoryStream stream;
+  {
+    TWriter writer(stream, 64);
+    writer.WriteSignature("TPF0");
+    writer.WriteListBegin();
+    for (int64_t value : {int64_t{0}, int64_t{-1}, int64_t{300}, int64_t{-70000}, int64_t{1} << 40}) {
+      writer.WriteInteger(value);
+    }
+    writer.WriteInt64(std::numeric_limits<int64_t>::min());
+    writer.WriteFloat(-2.5);
+    writer.WriteFloat(0.1);
+    writer.WriteString(czech);
+    writer.WriteString(long_czech);
+    writer.WriteString(mixed);
+    writer.WriteWideString(czech);
+    writer.WriteUTF8String(mixed);
+    writer.WriteChar(u'č');
+    writer.WriteChar(u'\0');
+    writer.WriteBoolean(true);
+    writer.WriteIdent(u"Name");
+    writer.WriteIdent(u"null");
+    writer.WriteListEnd();
+  }
+  stream.SetPosition(0);
+  TReader reader(stream, 16);
+  EXPECT_EQ(reader.ReadSignature(), "TPF0");
+  reader.ReadListBegin();
+  EXPECT_EQ(reader.ReadInteger(), 0);
+  EXPECT_EQ(reader.ReadInteger(), -1);
+  EXPECT_EQ(reader.ReadInt64(), 300);
+  EXPECT_EQ(reader.ReadFloat(), -70000.0);
+  EXPECT_EQ(reader.ReadInt64(), int64_t{1} << 40);
+  EXPECT_EQ(reader.ReadInt64(), std::numeric_limits<int64_t>::min());
+  EXPECT_EQ(reader.ReadFloat(), -2.5);
+  EXPECT_EQ(reader.ReadFloat(), 0.1);
+  EXPECT_EQ(reader.ReadString(), czech);
+  EXPECT_EQ(reader.ReadString(), long_czech);
+  EXPECT_EQ(reader.ReadString(), mixed);
+  EXPECT_EQ(reader.ReadString(), czech);
+  EXPECT_EQ(reader.ReadString(), mixed);
+  EXPECT_EQ(reader.ReadChar(), u'č');
+  EXPECT_EQ(reader.ReadChar(), u'\0');
+  EXPECT_TRUE(reader.ReadBoolean());
+  EXPECT_EQ(reader.ReadIdent(), u"Name");
+  EXPECT_TRUE(reader.EndOfList());  // "Null" was written as the null tag, as the platform did
+  EXPECT_EQ(reader.ReadIdent(), u"Null");
+  reader.ReadListEnd();
+  EXPECT_EQ(reader.Position(), stream.Size());
+}
+
+TEST(TypedValueReader, AcceptsEveryNumericAndStringTag) {
+  const Bytes bytes = {
+      2, 0xFE,                                            // int8 -2
+      3, 0x00, 0x80,                                      // int16 -32768
+      19, 5, 0, 0, 0, 0, 0, 0, 0,                         // int64 5 as an integer
+      15, 0x00, 0x00, 0xC0, 0x3F,                         // single 1.5
+      21, 0, 0, 0, 0, 0, 0, 0xF0, 0xBF,                   // double -1.0
+      17, 0, 0, 0, 0, 0, 0x40, 0xE5, 0x40,                // date 43520.0
+      16, 0x39, 0x30, 0, 0, 0, 0, 0, 0,                   // currency 1.2345
+      3, 0xE8, 0x03,                                      // int16 1000 as a float
+      7, 2, 'i', 'd',                                     // identifier as a string
+      12, 2, 0, 0, 0, 0xE8, 0x9A,                         // long 8-bit string "čš"
+      20, 3, 0, 0, 0, 'a', 0xC5, 0xBE,                    // UTF-8 "až"
+      18, 0, 0, 0, 0,                                     // empty UTF-16 string
+  };
+  TMemoryStream stream(Raw(bytes));
+  TReader reader(stream);
+  EXPECT_EQ(reader.ReadInteger(), -2);
+  EXPECT_EQ(reader.ReadInteger(), -32768);
+  EXPECT_EQ(reader.ReadInteger(), 5);
+  EXPECT_EQ(reader.ReadFloat(), 1.5);
+  EXPECT_EQ(reader.ReadFloat(), -1.0);
+  EXPECT_EQ(reader.ReadFloat(), 43520.0);
+  EXPECT_DOUBLE_EQ(reader.ReadFloat(), 1.2345);
+  EXPECT_EQ(reader.ReadFloat(), 1000.0);
+  EXPECT_EQ(reader.ReadString(), u"id");
+  EXPECT_EQ(reader.ReadString(), u"čš");
+  EXPECT_EQ(reader.ReadString(), u"až");
+  EXPECT_EQ(reader.ReadChar(), u'\0');
+}
+
+TEST(ExtendedFloat, DecodesKnownBytePatterns) {
+  EXPECT_EQ(ExtendedToDouble(Extended({0, 0, 0, 0, 0, 0, 0, 0x80, 0xFF, 0x3F})), 1.0);
+  EXPECT_EQ(ExtendedToDouble(Extended({0, 0, 0, 0, 0, 0, 0, 0xA0, 0x00, 0xC0})), -2.5);
+  const double zero = ExtendedToDouble(Extended({0, 0, 0, 0, 0, 0, 0, 0, 0, 0}));
+  EXPECT_EQ(zero, 0.0);
+  EXPECT_FALSE(std::signbit(zero));
+  EXPECT_TRUE(std::signbit(ExtendedToDouble(Extended({0, 0, 0, 0, 0, 0, 0, 0, 0, 0x80}))));
+  // The smallest extended denormal is far below double's range.
+  EXPECT_EQ(ExtendedToDouble(Extended({1, 0, 0, 0, 0, 0, 0, 0, 0, 0})), 0.0);
+  EXPECT_EQ(ExtendedToDouble(Extended({0, 0, 0, 0, 0, 0, 0, 0x80, 0xFF, 0x7F})), std::numeric_limits<double>::infinity());
+  EXPECT_EQ(ExtendedToDouble(Extended({0, 0, 0, 0, 0, 0, 0, 0x80, 0xFF, 0xFF})), -std::numeric_limits<double>::infinity());
+  EXPECT_TRUE(std::isnan(ExtendedToDouble(Extended({0, 0, 0, 0, 0, 0, 0, 0xC0, 0xFF, 0x7F}))));
+  EXPECT_TRUE(std::isnan(ExtendedToDouble(Extended({1, 0, 0, 0, 0, 0, 0, 0x80, 0xFF, 0x7F}))));  // low payload only
+  // Beyond double's range: 2^16383 and the largest finite extended.
+  EXPECT_EQ(ExtendedToDouble(Extended({0, 0, 0, 0, 0, 0, 0, 0x80, 0xFE, 0x7F})), std::numeric_limits<double>::infinity());
+  EXPECT_EQ(ExtendedToDouble(Extended({0, 0, 0, 0, 0, 0, 0, 0x80, 0x00, 0x44})), std::numeric_limits<double>::infinity());
+}
+
+TEST(ExtendedFloat, RoundsToNearestEvenIntoDoubleAndItsDenormals) {
+  const double denorm_min = std::numeric_limits<double>::denorm_min();
+  // 2^-1074 has the biased exponent 16383 - 1074 = 0x3BCD.
+  EXPECT_EQ(ExtendedToDouble(Extended({0, 0, 0, 0, 0, 0, 0, 0x80, 0xCD, 0x3B})), denorm_min);
+  EXPECT_EQ(ExtendedToDouble(Extended({0, 0, 0, 0, 0, 0, 0, 0x80, 0xCC, 0x3B})), 0.0);       // half: to even
+  EXPECT_EQ(ExtendedToDouble(Extended({1, 0, 0, 0, 0, 0, 0, 0x80, 0xCC, 0x3B})), denorm_min); // above half
+  EXPECT_EQ(ExtendedToDouble(Extended({0, 0, 0, 0, 0, 0, 0, 0xC0, 0xCD, 0x3B})), 2 * denorm_min);  // 1.5: to even
+  // 1 + 2^-53 is a tie between 1 and its successor: stays 1; 1 + 3 * 2^-53 rounds up.
+  EXPECT_EQ(ExtendedToDouble(Extended({0, 0x04, 0, 0, 0, 0, 0, 0x80, 0xFF, 0x3F})), 1.0);
+  EXPECT_EQ(ExtendedToDouble(Extended({0, 0x0C, 0, 0, 0, 0, 0, 0x80, 0xFF, 0x3F})), 1.0 + 4 * std::ldexp(1.0, -53));
+  // All ones rounds up across the power of two; at the top of the range that is infinity.
+  EXPECT_EQ(ExtendedToDouble(Extended({0xFF, 0xFF, 0xFF, 0xFF, 0xFF, 0xFF, 0xFF, 0xFF, 0xFF, 0x3F})), 2.0);
+  EXPECT_EQ(ExtendedToDouble(Extended({0xFF, 0xFF, 0xFF, 0xFF, 0xFF, 0xFF, 0xFF, 0xFF, 0xFE, 0x43})),
+            std::numeric_limits<double>::infinity());
+}
+
+TEST(ExtendedFloat, EveryDoubleRoundTripsExactly) {
+  EXPECT_EQ(DoubleToExtended(1.0), Extended({0, 0, 0, 0, 0, 0, 0, 0x80, 0xFF, 0x3F}));
+  std::vector<double> values = {0.0, -0.0, std::numeric_limits<double>::max(), std::numeric_limits<double>::lowest(),
+                                std::numeric_limits<double>::min(), std::numeric_limits<double>::denorm_min(),
+                                -std::numeric_limits<double>::denorm_min(), std::numeric_limits<double>::infinity(),
+                                -std::numeric_limits<double>::infinity(), std::nextafter(std::numeric_limits<double>::min(), 0.0)};
+  std::mt19937_64 random(2024);
+  for (int i = 0; i < 20000; ++i) {
+    const double value = std::bit_cast<double>(random());
+    if (!std::isnan(value)) values.push_back(value);
+    values.push_back(std::bit_cast<double>(random() & ((uint64_t{1} << 52) - 1)));  // denormals
+  }
+  for (double value : values) {
+    EXPECT_EQ(std::bit_cast<uint64_t>(ExtendedToDouble(DoubleToExtended(value))), std::bit_cast<uint64_t>(value))
+        << value;
+  }
+  const double quiet_nan = std::numeric_limits<double>::quiet_NaN();
+  EXPECT_EQ(std::bit_cast<uint64_t>(ExtendedToDouble(DoubleToExtended(-quiet_nan))), std::bit_cast<uint64_t>(-quiet_nan));
+}
+
+TEST(TypedValueReader, ErrorsNameTheTagThePositionAndTheShortfall) {
+  EXPECT_EQ(ReadErrorOf({2, 1, 7, 1, 'x'}, [](TReader& r) { r.ReadInteger(); r.ReadInteger(); }),
+            u"Unexpected value tag 7 where an integer was expected at position 2");
+  EXPECT_EQ(ReadErrorOf({4, 1, 2}, [](TReader& r) { r.ReadInteger(); }),
+            u"Stream read error: 4 bytes wanted at position 1, 2 left");
+  EXPECT_EQ(ReadErrorOf({}, [](TReader& r) { r.ReadValue(); }),
+            u"Stream read error: 1 byte wanted at position 0, 0 left");
+  EXPECT_EQ(ReadErrorOf({99}, [](TReader& r) { r.NextValue(); }), u"Invalid value tag 99 at position 0");
+  EXPECT_EQ(ReadErrorOf({19, 0, 0, 0, 0, 1, 0, 0, 0}, [](TReader& r) { r.ReadInteger(); }),
+            u"Integer 4294967296 does not fit in 32 bits at position 0");
+  EXPECT_EQ(ReadErrorOf({6, 2, 'a', 'b'}, [](TReader& r) { r.ReadChar(); }),
+            u"String of 2 characters where a character was expected at position 0");
+  EXPECT_EQ(ReadErrorOf({6, 0}, [](TReader& r) { r.ReadFloat(); }),
+            u"Unexpected value tag 6 where a float was expected at position 0");
+  EXPECT_EQ(ReadErrorOf({2, 0}, [](TReader& r) { r.ReadBoolean(); }),
+            u"Unexpected value tag 2 where a boolean was expected at position 0");
+  EXPECT_EQ(ReadErrorOf({6, 0}, [](TReader& r) { r.ReadIdent(); }),
+            u"Unexpected value tag 6 where an identifier was expected at position 0");
+  EXPECT_EQ(ReadErrorOf({0}, [](TReader& r) { r.ReadListBegin(); }),
+            u"Unexpected value tag 0 where list begin was expected at position 0");
+  EXPECT_EQ(ReadErrorOf({1}, [](TReader& r) { r.ReadListEnd(); }),
+            u"Unexpected value tag 1 where end of list was expected at position 0");
+  EXPECT_EQ(ReadErrorOf({'V', 'S'}, [](TReader& r) { r.ReadSignature(); }),
+            u"Stream read error: 4 bytes wanted at position 0, 2 left");
+}
+
+TEST(TypedValueReader, HugeLengthsAreRefusedBeforeAnythingIsAllocated) {
+  Bytes bytes = {12, 0xFF, 0xFF, 0xFF, 0x7F};  // a 2 GB 8-bit string
+  bytes.resize(20, 'x');
+  EXPECT_EQ(ReadErrorOf(bytes, [](TReader& r) { r.ReadString(); }),
+            u"Stream read error: 2147483647 bytes wanted at position 5, 15 left");
+  EXPECT_EQ(ReadErrorOf({18, 0xFF, 0xFF, 0xFF, 0xFF}, [](TReader& r) { r.ReadString(); }),
+            u"Stream read error: 8589934590 bytes wanted at position 5, 0 left");
+  EXPECT_EQ(ReadErrorOf({10, 0xFF, 0xFF, 0xFF, 0xFF, 1}, [](TReader& r) { r.SkipValue(); }),
+            u"Stream read error: 4294967295 bytes wanted at position 5, 1 left");
+}
+
+// One of each kind of value, including the kinds only SkipValue meets.
+Bytes MixedStream() {
+  TMemoryStream stream;
+  {
+    TWriter writer(stream, 8);
+    writer.WriteSignature("VSK0");
+    writer.WriteListBegin();
+    writer.WriteInteger(-1);
+    writer.WriteInteger(40000);
+    writer.WriteInt64(7);
+    writer.WriteFloat(3.25);
+    writer.WriteString(u"Třída");
+    writer.WriteWideString(u"中文");
+    writer.WriteUTF8String(u"ž");
+    writer.WriteChar(u'x');
+    writer.WriteBoolean(false);
+    writer.WriteIdent(u"Ident");
+    writer.WriteListBegin();
+    writer.WriteListBegin();
+    writer.WriteListEnd();
+    writer.WriteListEnd();
+    writer.WriteListEnd();
+  }
+  return ContentOf(stream);
+}
+
+void ReadMixedStream(TReader& reader) {
+  EXPECT_EQ(reader.ReadSignature(), "VSK0");
+  reader.ReadListBegin();
+  EXPECT_EQ(reader.ReadInteger(), -1);
+  EXPECT_EQ(reader.ReadInteger(), 40000);
+  EXPECT_EQ(reader.ReadInt64(), 7);
+  EXPECT_EQ(reader.ReadFloat(), 3.25);
+  EXPECT_EQ(reader.ReadString(), u"Třída");
+  EXPECT_EQ(reader.ReadString(), u"中文");
+  EXPECT_EQ(reader.ReadString(), u"ž");
+  EXPECT_EQ(reader.ReadChar(), u'x');
+  EXPECT_FALSE(reader.ReadBoolean());
+  EXPECT_EQ(reader.ReadIdent(), u"Ident");
+  reader.SkipValue();
+  EXPECT_TRUE(reader.EndOfList());
+  reader.ReadListEnd();
+}
+
+TEST(TypedValueReader, TruncationAtEveryByteRaisesReadError) {
+  const Bytes whole = MixedStream();
+  {
+    TMemoryStream stream(Raw(whole));
+    TReader reader(stream, 5);
+    ReadMixedStream(reader);
+  }
+  for (std::size_t cut = 0; cut < whole.size(); ++cut) {
+    const Bytes prefix(whole.begin(), whole.begin() + static_cast<std::ptrdiff_t>(cut));
+    for (bool skipping : {false, true}) {
+      TMemoryStream stream(Raw(prefix));
+      TReader reader(stream, 5);
+      EXPECT_THROW(
+          {
+            if (skipping) {
+              reader.ReadSignature();
+              reader.SkipValue();
+            } else {
+              ReadMixedStream(reader);
+            }
+          },
+          EReadError)
+          << "cut at " << cut;
+    }
+  }
+}
+
+TEST(TypedValueReader, SkipsSetsCollectionsAndBinaries) {
+  const Bytes bytes = {
+      11, 3, 'a', 'k', 'L', 2, 'a', 'R', 0,                    // set [akL, aR]
+      14,                                                      // collection
+      1, 4, 'N', 'a', 'm', 'e', 6, 1, 'x', 0,                  //   item without order
+      2, 5, 1, 0,                                              //   item with order 5, no properties
+      0,                                                       // end of collection
+      10, 3, 0, 0, 0, 1, 2, 3,                                 // binary
+      5, 0, 0, 0, 0, 0, 0, 0, 0x80, 0xFF, 0x3F,                // extended
+      13, 16, 0, 0, 0, 0, 0, 0, 0, 0,                          // nil, currency
+      2, 42,
+  };
+  TMemoryStream stream(Raw(bytes));
+  TReader reader(stream, 3);
+  for (int i = 0; i < 6; ++i) reader.SkipValue();
+  EXPECT_EQ(reader.ReadInteger(), 42);
+}
+
+TEST(TypedValueReader, NestingDeeperThanTheLimitIsRefused) {
+  const auto nested = [](int depth) {
+    Bytes bytes(static_cast<std::size_t>(depth), 1);
+    bytes.insert(bytes.end(), static_cast<std::size_t>(depth), 0);
+    return bytes;
+  };
+  {
+    TMemoryStream stream(Raw(nested(TReader::kMaxNesting)));
+    TReader reader(stream);
+    reader.SkipValue();
+    EXPECT_EQ(reader.Position(), stream.Size());
+  }
+  EXPECT_EQ(ReadErrorOf(nested(TReader::kMaxNesting + 1), [](TReader& r) { r.SkipValue(); }),
+            u"Values nested deeper than 256 levels at position 256");
+  Bytes collections;  // collections whose items hold collections, far too deep
+  for (int i = 0; i < 1000; ++i) collections.insert(collections.end(), {14, 1, 1, 'p'});
+  EXPECT_EQ(ReadErrorOf(collections, [](TReader& r) { r.SkipValue(); }).rfind(u"Values nested deeper", 0), 0u);
+}
+
+TEST(TypedValueReader, RandomBytesOnlyEverRaiseReadError) {
+  std::mt19937 random(12345);
+  const std::function<void(TReader&)> operations[] = {
+      [](TReader& r) { r.ReadInteger(); },  [](TReader& r) { r.ReadInt64(); },
+      [](TReader& r) { r.ReadFloat(); },    [](TReader& r) { r.ReadString(); },
+      [](TReader& r) { r.ReadChar(); },     [](TReader& r) { r.ReadBoolean(); },
+      [](TReader& r) { r.ReadIdent(); },    [](TReader& r) { r.ReadListBegin(); },
+      [](TReader& r) { r.ReadListEnd(); },  [](TReader& r) { r.SkipValue(); },
+      [](TReader& r) { r.SkipValue(); },    [](TReader& r) { r.ReadSignature(); },
+      [](TReader& r) { r.EndOfList(); r.ReadValue(); },
+  };
+  int read_errors = 0;
+  for (int iteration = 0; iteration < 4000; ++iteration) {
+    Bytes bytes(random() % 64);
+    for (uint8_t& b : bytes) {
+      // Mostly small values, so that tags and lengths are often valid and reading goes deep.
+      b = static_cast<uint8_t>(random() % 4 == 0 ? random() : random() % 24);
+    }
+    TMemoryStream stream(Raw(bytes));
+    TReader reader(stream, 1 + random() % 8);
+    try {
+      for (int step = 0; step < 40; ++step) {
+        operations[random() % std::size(operations)](reader);
+        ASSERT_LE(reader.Position(), stream.Size());
+      }
+    } catch (const EReadError&) {
+      ++read_errors;
+    }
+  }
+  EXPECT_GT(read_errors, 3000);  // nearly every random input ends in an error, none in anything else
+}
+
+TEST(TypedValueReader, PositionIsLogicalAndTheStreamIsLeftThere) {
+  const Bytes bytes = {0xAA, 2, 1, 2, 2, 2, 3};
+  TMemoryStream stream(Raw(bytes));
+  stream.SetPosition(1);
+  {
+    TReader reader(stream);
+    EXPECT_EQ(reader.Position(), 1);
+    EXPECT_EQ(reader.ReadInteger(), 1);
+    EXPECT_EQ(reader.Position(), 3);
+    EXPECT_EQ(reader.NextValue(), TValueType::vaInt8);
+    EXPECT_EQ(reader.Position(), 3);
+    EXPECT_EQ(stream.Position(), 7);  // the buffer has read ahead
+  }
+  EXPECT_EQ(stream.Position(), 3);
+}
+
+// A stream that refuses every write.
+class TRefusingStream : public TMemoryStream {
+ public:
+  std::size_t Write(std::span<const std::byte>) override { return 0; }
+};
+
+TEST(TypedValueWriter, BuffersUntilFlushAndReportsAFailedFinalFlush) {
+  TMemoryStream stream;
+  {
+    TWriter writer(stream);
+    writer.WriteInteger(5);
+    EXPECT_EQ(writer.Position(), 2);
+    EXPECT_EQ(stream.Size(), 0);
+    writer.FlushBuffer();
+    EXPECT_EQ(stream.Size(), 2);
+    writer.WriteBoolean(true);
+  }
+  EXPECT_EQ(ContentOf(stream), (Bytes{2, 5, 9}));
+
+  CapturedMessages messages;
+  {
+    TRefusingStream refusing;
+    TWriter writer(refusing);
+    writer.WriteInteger(5);
+  }
+  EXPECT_EQ(messages.Texts(), std::vector<String>{u"Stream write error: 2 bytes to write at position 0, 0 written"});
+}
+
+}  // namespace
+}  // namespace veska
