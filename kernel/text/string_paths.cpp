@@ -74,8 +74,7 @@ String GetAbsolutePath(StringView S) { return GetAbsolutePath(S, CurrentDirector
 String GetAbsolutePath(StringView S, StringView Base) {
   if (!IsRelativePath(S)) return NormalizeAbsolute(S);
   String combined = IsRelativePath(Base) ? CurrentDirectory() + kSeparator + String(Base) : String(Base);
-  combined += kSeparator;
-  combined += S;
+  if (!S.empty()) combined += kSeparator + String(S);
   return NormalizeAbsolute(combined);
 }
 

@@ -21,11 +21,12 @@ bool IsRelativePath(StringView S);
 // S as an absolute path, relative paths taken from the current directory (one argument) or
 // from Base (two arguments; a relative Base is first taken from the current directory).
 // The result uses '/', has "." and ".." resolved and repeated separators merged; ".." never goes
-// above the root.  A trailing separator of S is kept.  Nothing is looked up on disk.
+// above the root.  A trailing separator of S (of Base when S is empty) is kept.  Nothing is
+// looked up on disk.
 String GetAbsolutePath(StringView S);
 String GetAbsolutePath(StringView S, StringView Base);
 
-// The host's system directory, where the original looked for its system-wide files: the value
+// The host's system directory, the place of system-wide files: the value
 // of the environment variable WINDIR when it is set and not empty, otherwise "/usr".  No
 // trailing separator.
 String WinDirStr();
