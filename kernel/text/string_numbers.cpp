@@ -1,0 +1,241 @@
+#include "kernel/text/string_numbers.h"
+
+#include <array>
+#include <charconv>
+#include <cmath>
+#include <cstdlib>
+#include <optional>
+#include <string>
+#include <system_error>
+#include <utility>
+
+#include "kernel/platform/exceptions.h"
+#include "kernel/platform/format_settings.h"
+#include "kernel/text/string_globals.h"
+
+namespace veska {
+namespace {
+
+// The most integer digits the fixed form writes, as the platform's general float format did.
+constexpr int kGeneralPrecision = 15;
+// Below this magnitude the general form switches to scientific notation.
+constexpr int kSmallestFixedExponent = -5;
+
+constexpr bool IsDigit(char16_t c) { return c >= u'0' && c <= u'9'; }
+
+StringView TrimBlanks(StringView S) {
+  while (!S.empty() && S.front() <= u' ') S.remove_prefix(1);
+  while (!S.empty() && S.back() <= u' ') S.remove_suffix(1);
+  return S;
+}
+
+bool IsDecimalSeparator(char16_t c) {
+  return c == FormatSettings.DecimalSeparator || (DotDecimalSeparator && (c == u'.' || c == u','));
+}
+
+String QuotedMessage(StringView S, StringView what) {
+  return u"'" + String(S) + u"' is not a valid " + String(what) + u" value";
+}
+
+std::optional<double> ParseSpecialFloat(StringView text) {
+  if (SameText(text, u"NAN")) return std::nan("");
+  if (SameText(text, u"INF") || SameText(text, u"+INF")) return HUGE_VAL;
+  if (SameText(text, u"-INF")) return -HUGE_VAL;
+  return std::nullopt;
+}
+
+// The float S denotes, or none when S is not a valid number or too large for a double.
+std::optional<double> ParseFloat(StringView S) {
+  const StringView text = TrimBlanks(S);
+  if (auto special = ParseSpecialFloat(text)) return special;
+
+  // Validate the grammar and build the ASCII form that std::from_chars reads, with '.' as the
+  // separator whatever separator the text used.
+  std::string ascii;
+  size_t i = 0;
+  if (i < text.size() && (text[i] == u'+' || text[i] == u'-')) {
+    if (text[i] == u'-') ascii += '-';
+    ++i;
+  }
+  size_t mantissa_digits = 0;
+  int64_t integer_digits = 0;       // significant digits before the separator
+  int64_t fraction_zeros = 0;       // zeros after the separator before the first other digit
+  bool seen_separator = false;
+  bool seen_significant = false;
+  for (; i < text.size(); ++i) {
+    const char16_t c = text[i];
+    if (IsDigit(c)) {
+      ++mantissa_digits;
+      seen_significant = seen_significant || c != u'0';
+      if (!seen_separator && seen_significant) ++integer_digits;
+      if (seen_separator && !seen_significant) ++fraction_zeros;
+      ascii += char(c);
+    } else if (IsDecimalSeparator(c) && !seen_separator) {
+      seen_separator = true;
+      ascii += '.';
+    } else {
+      break;
+    }
+  }
+  if (mantissa_digits == 0) return std::nullopt;
+
+  int64_t exponent = 0;
+  if (i < text.size() && (text[i] == u'E' || text[i] == u'e')) {
+    ascii += 'e';
+    ++i;
+    bool negative = false;
+    if (i < text.size() && (text[i] == u'+' || text[i] == u'-')) {
+      negative = text[i] == u'-';
+      if (negative) ascii += '-';
+      ++i;
+    }
+    const size_t exponent_start = i;
+    for (; i < text.size() && IsDigit(text[i]); ++i) {
+      ascii += char(text[i]);
+      exponent = std::min<int64_t>(exponent * 10 + (text[i] - u'0'), int64_t{1} << 40);
+    }
+    if (i == exponent_start) return std::nullopt;
+    if (negative) exponent = -exponent;
+  }
+  if (i != text.size()) return std::nullopt;
+
+  double value = 0;
+  const auto [end, error] = std::from_chars(ascii.data(), ascii.data() + ascii.size(), value);
+  if (error == std::errc::result_out_of_range) {
+    // Out of range either way: the decimal magnitude tells overflow from underflow.
+    const int64_t magnitude = (integer_digits > 0 ? integer_digits : -fraction_zeros) + exponent;
+    if (magnitude > 0) return std::nullopt;
+    return ascii.front() == '-' ? -0.0 : 0.0;
+  }
+  if (error != std::errc() || end != ascii.data() + ascii.size()) return std::nullopt;
+  return value;
+}
+
+std::optional<int32_t> ParseInteger(StringView S) {
+  StringView text = TrimBlanks(S);
+  std::string ascii;
+  if (!text.empty() && (text.front() == u'+' || text.front() == u'-')) {
+    if (text.front() == u'-') ascii += '-';
+    text.remove_prefix(1);
+  }
+  if (text.empty()) return std::nullopt;
+  for (char16_t c : text) {
+    if (!IsDigit(c)) return std::nullopt;
+    ascii += char(c);
+  }
+  int32_t value = 0;
+  const auto [end, error] = std::from_chars(ascii.data(), ascii.data() + ascii.size(), value);
+  if (error != std::errc() || end != ascii.data() + ascii.size()) return std::nullopt;
+  return value;
+}
+
+constexpr std::array<std::pair<int32_t, StringView>, 13> kRomanDigits{{
+    {1000, u"M"}, {900, u"CM"}, {500, u"D"}, {400, u"CD"}, {100, u"C"}, {90, u"XC"}, {50, u"L"},
+    {40, u"XL"}, {10, u"X"}, {9, u"IX"}, {5, u"V"}, {4, u"IV"}, {1, u"I"},
+}};
+// "MMMDCCCLXXXVIII" (3888) is the longest standard numeral.
+constexpr size_t kLongestRomanNumeral = 15;
+
+}  // namespace
+
+String ExtendedToStr(double X) {
+  if (std::isnan(X)) return u"NAN";
+  if (std::isinf(X)) return X < 0 ? u"-INF" : u"INF";
+  if (X == 0) return u"0";
+
+  // The shortest round-trip digits, as "d.ddde±xx" without precision.
+  std::array<char, 32> buffer{};
+  const auto [end, error] =
+      std::to_chars(buffer.data(), buffer.data() + buffer.size(), X, std::chars_format::scientific);
+  if (error != std::errc()) throw ERangeError(u"Float formatting failed");
+  const std::string_view scientific(buffer.data(), size_t(end - buffer.data()));
+  const size_t e = scientific.find('e');
+  std::string digits;
+  for (char c : scientific.substr(0, e)) {
+    if (c >= '0' && c <= '9') digits += c;
+  }
+  const int exponent = std::atoi(std::string(scientific.substr(e + 1)).c_str());
+
+  const char16_t separator = FormatSettings.DecimalSeparator;
+  String result = X < 0 ? u"-" : u"";
+  const auto append_ascii = [&result](std::string_view ascii) { result.append(ascii.begin(), ascii.end()); };
+  if (exponent >= kSmallestFixedExponent && exponent < kGeneralPrecision) {
+    if (exponent < 0) {
+      result += u'0';
+      result += separator;
+      result.append(size_t(-exponent - 1), u'0');
+      append_ascii(digits);
+    } else {
+      const size_t integer_digits = size_t(exponent) + 1;
+      if (digits.size() < integer_digits) digits.append(integer_digits - digits.size(), '0');
+      append_ascii(std::string_view(digits).substr(0, integer_digits));
+      if (digits.size() > integer_digits) {
+        result += separator;
+        append_ascii(std::string_view(digits).substr(integer_digits));
+      }
+    }
+  } else {
+    result += char16_t(digits[0]);
+    if (digits.size() > 1) {
+      result += separator;
+      append_ascii(std::string_view(digits).substr(1));
+    }
+    result += u'E';
+    result += IntToStr(exponent);
+  }
+  return result;
+}
+
+double StrToExtended(StringView S) {
+  if (auto value = ParseFloat(S)) return *value;
+  throw EConvertError(QuotedMessage(S, u"floating point"));
+}
+
+bool StringIsFloat(StringView S) { return ParseFloat(S).has_value(); }
+
+int32_t StrToLongInt(StringView S) {
+  if (auto value = ParseInteger(S)) return *value;
+  throw EConvertError(QuotedMessage(S, u"integer"));
+}
+
+int32_t StringToInteger(StringView S) { return ParseInteger(S).value_or(0); }
+
+int32_t StringIntSum(StringView S) {
+  uint32_t sum = 0;
+  for (char16_t c : S) sum += c;
+  return int32_t(sum);
+}
+
+String BoolToStr(bool B) { return B ? u"True" : u"False"; }
+
+bool StrToBool(StringView S) {
+  const StringView text = TrimBlanks(S);
+  if (SameText(text, u"true")) return true;
+  if (SameText(text, u"false")) return false;
+  if (auto value = ParseFloat(text)) return *value != 0;
+  throw EConvertError(QuotedMessage(S, u"boolean"));
+}
+
+String IntegerToRome(int32_t N) {
+  if (N < 1 || N > 3999) return String();
+  String result;
+  for (const auto& [value, numeral] : kRomanDigits) {
+    for (; N >= value; N -= value) result += numeral;
+  }
+  return result;
+}
+
+int32_t RomeToInteger(StringView S) {
+  const String text = AsciiUpperCase(TrimBlanks(S));
+  if (text.empty() || text.size() > kLongestRomanNumeral) return 0;
+  int32_t total = 0;
+  StringView rest = text;
+  for (const auto& [value, numeral] : kRomanDigits) {
+    for (; rest.starts_with(numeral); rest.remove_prefix(numeral.size())) total += value;
+  }
+  // Only the standard form counts: reading "IIII" or "IM" is not writing them back.
+  if (!rest.empty() || IntegerToRome(total) != text) return 0;
+  return total;
+}
+
+}  // namespace veska
