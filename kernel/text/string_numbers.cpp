@@ -1,5 +1,6 @@
 #include "kernel/text/string_numbers.h"
 
+#include <algorithm>
 #include <array>
 #include <charconv>
 #include <cmath>
