@@ -31,6 +31,11 @@ String ReasonOf(int error_number) {
 
 }  // namespace
 
+String ReadShortfallText(int64_t wanted, int64_t position, int64_t left) {
+  return u"Stream read error: " + IntToStr(wanted) + (wanted == 1 ? u" byte" : u" bytes") + u" wanted at position " +
+         IntToStr(position) + u", " + IntToStr(left) + u" left";
+}
+
 // ---------------------------------------------------------------------------------- TStream
 
 int64_t TStream::Size() {
@@ -44,9 +49,7 @@ void TStream::ReadBuffer(std::span<std::byte> buffer) {
   const int64_t position = Position();
   const std::size_t read = Read(buffer);
   if (read != buffer.size()) {
-    throw EReadError(u"Stream read error: " + IntToStr(static_cast<long long>(buffer.size())) +
-                     u" bytes wanted at position " + IntToStr(position) + u", " +
-                     IntToStr(static_cast<long long>(read)) + u" left");
+    throw EReadError(ReadShortfallText(static_cast<int64_t>(buffer.size()), position, static_cast<int64_t>(read)));
   }
 }
 
@@ -178,8 +181,11 @@ std::size_t TFileStream::Write(std::span<const std::byte> data) {
 int64_t TFileStream::Seek(int64_t offset, TSeekOrigin origin) {
   const auto current = static_cast<int64_t>(file_.pubseekoff(0, std::ios_base::cur));
   if (origin == TSeekOrigin::soCurrent && offset == 0) return current;
-  const int64_t size =
-      origin == TSeekOrigin::soEnd ? static_cast<int64_t>(file_.pubseekoff(0, std::ios_base::end)) : 0;
+  int64_t size = 0;
+  if (origin == TSeekOrigin::soEnd) {
+    size = static_cast<int64_t>(file_.pubseekoff(0, std::ios_base::end));
+    file_.pubseekpos(current);  // a refused seek must leave the position alone
+  }
   const int64_t target = SeekTarget(offset, origin, current, size);
   if (file_.pubseekpos(target) == std::streampos(std::streamoff(-1))) {
     throw EStreamError(u"Stream seek error in file \"" + file_name_ + u"\" at position " + IntToStr(target));

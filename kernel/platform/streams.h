@@ -49,6 +49,11 @@ class TStream {
   int64_t CopyFrom(TStream& source, int64_t count);
 };
 
+// The EReadError text for a read that the stream could not satisfy, such as
+// "Stream read error: 4 bytes wanted at position 10, 2 left".  Shared by everything that reads
+// streams so that every underrun reads the same.
+String ReadShortfallText(int64_t wanted, int64_t position, int64_t left);
+
 // A stream over a growable block of memory.
 class TMemoryStream : public TStream {
  public:

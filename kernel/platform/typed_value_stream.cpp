@@ -43,13 +43,8 @@ uint64_t RoundingShiftRight(uint64_t value, int shift) {
   return (rest > half || (rest == half && (kept & 1) != 0)) ? kept + 1 : kept;
 }
 
-String Count(int64_t count, StringView singular) {
-  return IntToStr(count) + u" " + String(singular) + (count == 1 ? u"" : u"s");
-}
-
 [[noreturn]] void ThrowShortRead(int64_t wanted, int64_t position, int64_t left) {
-  throw EReadError(u"Stream read error: " + Count(wanted, u"byte") + u" wanted at position " + IntToStr(position) +
-                   u", " + IntToStr(left) + u" left");
+  throw EReadError(ReadShortfallText(wanted, position, left));
 }
 
 }  // namespace
@@ -312,8 +307,8 @@ char16_t TReader::ReadChar() {
   const int64_t at = Position();
   const String text = ReadStringValue(u"a character");
   if (text.size() > 1) {
-    throw EReadError(u"String of " + Count(static_cast<int64_t>(text.size()), u"character") +
-                     u" where a character was expected at position " + IntToStr(at));
+    throw EReadError(u"String of " + IntToStr(static_cast<long long>(text.size())) +
+                     u" characters where a character was expected at position " + IntToStr(at));
   }
   return text.empty() ? u'\0' : text[0];
 }

@@ -138,6 +138,8 @@ TEST_F(FileStreamTest, ReadWriteModeKeepsContentAndAlternatesReadsAndWrites) {
     file.WriteBuffer(BytesOf("XY"));      // over "cd"
     file.ReadBuffer(two);                 // "ef"
     EXPECT_EQ(std::string(reinterpret_cast<const char*>(two.data()), 2), "ef");
+    EXPECT_THROW(file.Seek(-9, TSeekOrigin::soEnd), EStreamError);
+    EXPECT_EQ(file.Position(), 6);
     file.Seek(2, TSeekOrigin::soEnd);
     file.WriteBuffer(BytesOf("!"));       // a gap of two zero bytes
     file.SetSize(9);
