@@ -5,6 +5,7 @@
 
 #include <concepts>
 #include <limits>
+#include <utility>
 
 #include "kernel/platform/exceptions.h"
 

@@ -3,20 +3,10 @@
 #include <array>
 
 namespace veska {
-namespace {
-
-constexpr std::array<StringView, kTypeKindCount> kTypeKindNames = {
-    u"tkUnknown", u"tkInteger", u"tkChar",      u"tkEnumeration", u"tkFloat",    u"tkString",
-    u"tkSet",     u"tkClass",   u"tkMethod",    u"tkWChar",       u"tkLString",  u"tkWString",
-    u"tkVariant", u"tkArray",   u"tkRecord",    u"tkInterface",   u"tkInt64",    u"tkDynArray",
-    u"tkUString", u"tkClassRef", u"tkPointer",  u"tkProcedure",
-};
-
-}  // namespace
-
 StringView TypeKindName(TTypeKind kind) {
+  constexpr auto& names = EnumNames<TTypeKind>::Names;
   const auto index = static_cast<std::size_t>(kind);
-  return index < kTypeKindNames.size() ? kTypeKindNames[index] : kTypeKindNames[0];
+  return index < names.size() ? names[index] : names[0];
 }
 
 String GetEnumName(const TypeInfo& type, int64_t ordinal) {

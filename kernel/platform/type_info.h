@@ -116,6 +116,17 @@ concept PublishedEnum = std::is_enum_v<T> && requires {
   EnumNames<T>::Names.size();
 };
 
+// The type kind is itself published (as the kind of a declared property), with its names.
+template <>
+struct EnumNames<TTypeKind> {
+  static constexpr std::u16string_view TypeName = u"TTypeKind";
+  static constexpr std::array<std::u16string_view, kTypeKindCount> Names{
+      u"tkUnknown", u"tkInteger", u"tkChar",     u"tkEnumeration", u"tkFloat",   u"tkString",
+      u"tkSet",     u"tkClass",   u"tkMethod",   u"tkWChar",       u"tkLString", u"tkWString",
+      u"tkVariant", u"tkArray",   u"tkRecord",   u"tkInterface",   u"tkInt64",   u"tkDynArray",
+      u"tkUString", u"tkClassRef", u"tkPointer", u"tkProcedure"};
+};
+
 // What the platform knew of a type: kind, name, ordinal range, value names, referenced class.
 struct TypeInfo {
   TTypeKind Kind = TTypeKind::tkUnknown;

@@ -1,0 +1,329 @@
+#include "kernel/elements/element.h"
+
+#include <chrono>
+#include <random>
+
+#include "kernel/classes/property_access.h"
+#include "kernel/elements/entity.h"
+#include "kernel/elements/message.h"
+#include "kernel/platform/checked_arithmetic.h"
+#include "kernel/platform/message_sink.h"
+#include "kernel/platform/typed_value_stream.h"
+
+namespace veska {
+
+void ResetBaseID() {
+  static std::minstd_rand generator(
+      static_cast<unsigned>(std::chrono::steady_clock::now().time_since_epoch().count()));
+  std::uniform_int_distribution<int32_t> mark(0, 31999);
+  const int32_t old = BaseID;
+  do {
+    BaseID = -mark(generator);
+  } while (BaseID == old);
+}
+
+void TElement::Publish(Publisher<TElement>& p) {
+  p.Property(u"ID", &TElement::ID, &TElement::ID).Default(-1);
+  p.Property(u"Name", &TElement::GetName, &TElement::SetName).Stored(&TElement::StoreName);
+  p.Property(u"OwnersCount", &TElement::GetOwnersCount).Stored(false);
+  p.Property(u"Size", &TElement::GetInstanceSize).Stored(false);
+  p.Property(u"WholeSize", &TElement::GetWholeSize).Stored(false);
+  p.Property(u"_ClassName", &TElement::Get_ClassName).Stored(false);
+  p.Property(u"Life_Cycle_Start", &TElement::GetLife_Cycle_Start, &TElement::SetLife_Cycle_Start)
+      .Stored(&TElement::Life_Cycle_Start_Store);
+  p.Property(u"Life_Cycle_End", &TElement::GetLife_Cycle_End, &TElement::SetLife_Cycle_End)
+      .Stored(&TElement::Life_Cycle_End_Store);
+  p.Property(u"Life_Cycle_Start_Year", &TElement::GetLife_Cycle_Start_Year, &TElement::SetLife_Cycle_Start_Year)
+      .Stored(false);
+  p.Property(u"Life_Cycle_Start_Month", &TElement::GetLife_Cycle_Start_Month, &TElement::SetLife_Cycle_Start_Month)
+      .Stored(false);
+  p.Property(u"Life_Cycle_End_Year", &TElement::GetLife_Cycle_End_Year, &TElement::SetLife_Cycle_End_Year)
+      .Stored(false);
+  p.Property(u"Life_Cycle_End_Month", &TElement::GetLife_Cycle_End_Month, &TElement::SetLife_Cycle_End_Month)
+      .Stored(false);
+  p.Property(u"Life_Cycle_Alive", &TElement::Life_Cycle_Is_Alive).Stored(false);
+  p.Property(u"Life_Cycle_Implemented", &TElement::Life_Cycle_Is_Implemented).Stored(false);
+}
+
+int32_t TElement::GetInstanceSize() const { return static_cast<int32_t>(ClassType().InstanceSize()); }
+
+int32_t TElement::GetWholeSize() {
+  ResetBaseID();
+  return GetWholeSizes();
+}
+
+int32_t TElement::GetWholeSizes() {
+  ID = BaseID;
+  return GetInstanceSize();
+}
+
+String TElement::GetName() const { return ClassName(); }
+void TElement::SetName(const String& /*name*/) {}
+
+TEntity* TElement::GetOwnerEntity(int /*index*/) const { return nullptr; }
+void TElement::PutOwner(int /*index*/, TEntity* /*entity*/) {}
+int32_t TElement::GetOwnersCount() const { return 0; }
+
+TDateTime TElement::GetLife_Cycle_End() const { return 0; }
+TDateTime TElement::GetLife_Cycle_Start() const { return 0; }
+void TElement::SetLife_Cycle_End(TDateTime /*value*/) {}
+void TElement::SetLife_Cycle_Start(TDateTime /*value*/) {}
+
+bool TElement::StoreName() const { return false; }
+
+void TElement::Load(TReader& reader, TEntity* /*table*/) { ID = reader.ReadInteger(); }
+
+void TElement::Save(TWriter& writer) {
+  writer.WriteString(ClassName());
+  writer.WriteInteger(ID);
+}
+
+bool TElement::NoElements() const { return true; }
+
+// A plain element has nothing to wrap: it stands for itself.
+TElement* TElement::CreateEnvelope() { return this; }
+
+void TElement::HandleMessage(TVeskaMessage* /*message*/, bool& /*handled*/) {}
+
+void TElement::OwnersHandleMessage(TVeskaMessage* message, bool& handled) {
+  if (NoOwners()) {
+    handled = true;
+    return;
+  }
+  for (int i = 0; i < GetOwnersCount(); ++i) {
+    TEntity* owner = GetOwnerEntity(i);
+    if (owner == nullptr) continue;
+    try {
+      owner->HandleMessage(message, handled);
+    } catch (...) {
+      ShowMessage(IntToStr(message != nullptr ? message->Message : 0), MessageKind::Error);
+    }
+    if (handled) break;
+  }
+  handled = true;
+}
+
+void TElement::SendMsg(int32_t message, TElement* receiver, TElement* data, bool kill_data) {
+  (new TVeskaMessage(message, this, receiver, data, kill_data))->Send();
+}
+
+void TElement::PostMsg(int32_t message, TElement* receiver, TElement* data, bool kill_data) {
+  (new TVeskaMessage(message, this, receiver, data, kill_data))->Post();
+}
+
+void TElement::SendMsgToOwners(int32_t message, TElement* data, bool kill_data) {
+  for (int i = 0; i < GetOwnersCount(); ++i) SendMsg(message, GetOwnerEntity(i), data, kill_data);
+}
+
+void TElement::PostMsgToOwners(int32_t message, TElement* data, bool kill_data) {
+  for (int i = 0; i < GetOwnersCount(); ++i) PostMsg(message, GetOwnerEntity(i), data, kill_data);
+}
+
+void TElement::PostTextMsg(int32_t message, const String& text, TElement* receiver) {
+  auto* text_message = new TVeskaTextMessage(message, this, receiver, nullptr, false);
+  text_message->SetMessageText(text);
+  text_message->Post();
+}
+
+void TElement::PostTextMsgToOwners(int32_t message, const String& text) {
+  for (int i = 0; i < GetOwnersCount(); ++i) PostTextMsg(message, text, GetOwnerEntity(i));
+}
+
+void TElement::OnTimer() {}
+
+void TElement::AddOwner(TEntity* /*entity*/) {}
+void TElement::RemoveOwner(TEntity* /*entity*/) {}
+bool TElement::IsMyOwner(const TEntity* /*entity*/) const { return false; }
+bool TElement::NoOwners() const { return GetOwnersCount() < 1; }
+TEntity* TElement::FindOwnerClass(const ClassInfo& /*cls*/) const { return nullptr; }
+TEntity* TElement::FindOwnerName(const String& /*name*/) const { return nullptr; }
+
+TElement* TElement::FindClassInOwners(const ClassInfo& cls) {
+  if (InheritsFrom(cls)) return this;
+  for (int i = 0; i < GetOwnersCount(); ++i) {
+    if (TEntity* owner = GetOwnerEntity(i)) {
+      if (TElement* found = owner->FindClassInOwners(cls)) return found;
+    }
+  }
+  return nullptr;
+}
+
+TElement* TElement::FindClassWithOwnerInOwners(const ClassInfo& cls, const TEntity* entity) {
+  if (InheritsFrom(cls) && IsMyOwner(entity)) return this;
+  for (int i = 0; i < GetOwnersCount(); ++i) {
+    if (TEntity* owner = GetOwnerEntity(i)) {
+      if (TElement* found = owner->FindClassWithOwnerInOwners(cls, entity)) return found;
+    }
+  }
+  return nullptr;
+}
+
+TElement* TElement::FindFirstClassWithOwnerInOwners(const ClassInfo& cls, const TEntity* entity) {
+  if (InheritsFrom(cls)) return IsMyOwner(entity) ? this : nullptr;
+  for (int i = 0; i < GetOwnersCount(); ++i) {
+    if (TEntity* owner = GetOwnerEntity(i)) {
+      if (TElement* found = owner->FindFirstClassWithOwnerInOwners(cls, entity)) return found;
+    }
+  }
+  return nullptr;
+}
+
+bool TElement::IsPossibleToFree() {
+  if (GetOwnersCount() < 2) return true;
+  for (int i = 0; i < GetOwnersCount(); ++i) {
+    TEntity* owner = GetOwnerEntity(i);
+    if (owner == nullptr || !owner->CanFreeElement(this)) return false;
+  }
+  return true;
+}
+
+void TElement::ResetID() {
+  ResetBaseID();
+  ResetIDs();
+}
+
+void TElement::ResetIDs() { ID = BaseID; }
+
+bool TElement::HasPropertyByName(const String& name) const { return GetPropIndex(this, name) >= 0; }
+
+String TElement::GetPropertyStringByName(const String& name) const { return GetPropStringByName(this, name); }
+
+bool TElement::SetPropertyStringByName(const String& name, const String& value) {
+  return SetPropStringByName(this, name, value);
+}
+
+// The typed by-name accessors read and write through the property's own family; a property
+// of another family, or none of that name, gives the neutral value and writes nothing.
+double TElement::GetPropertyFloatByName(const String& name) const {
+  const PropInfo* property = ClassType().FindProperty(name);
+  if (property == nullptr || !property->CanRead()) return 0;
+  if (property->Family() == ValueFamily::Float) return property->GetFloat(*this);
+  if (property->Family() == ValueFamily::Ordinal) return static_cast<double>(property->GetOrd(*this));
+  return 0;
+}
+
+bool TElement::SetPropertyFloatByName(const String& name, double value) {
+  const PropInfo* property = ClassType().FindProperty(name);
+  if (property == nullptr) return false;
+  if (property->CanWrite() && property->Family() == ValueFamily::Float) property->SetFloat(*this, value);
+  return true;
+}
+
+int64_t TElement::GetPropertyLongIntByName(const String& name) const {
+  const PropInfo* property = ClassType().FindProperty(name);
+  if (property == nullptr || !property->CanRead() || property->Family() != ValueFamily::Ordinal) return 0;
+  return property->GetOrd(*this);
+}
+
+bool TElement::SetPropertyLongIntByName(const String& name, int64_t value) {
+  const PropInfo* property = ClassType().FindProperty(name);
+  if (property == nullptr) return false;
+  if (property->CanWrite() && property->Family() == ValueFamily::Ordinal) property->SetOrd(*this, value);
+  return true;
+}
+
+int32_t TElement::GetPropertyIntByName(const String& name) const {
+  return static_cast<int32_t>(GetPropertyLongIntByName(name));
+}
+
+bool TElement::SetPropertyIntByName(const String& name, int32_t value) { return SetPropertyLongIntByName(name, value); }
+
+bool TElement::GetPropertyBooleanByName(const String& name) const { return GetPropertyLongIntByName(name) != 0; }
+
+bool TElement::SetPropertyBooleanByName(const String& name, bool value) {
+  return SetPropertyLongIntByName(name, value ? 1 : 0);
+}
+
+bool TElement::Life_Cycle_Is_Alive() const {
+  if (!Life_Cycle_Watch || !Life_Cycle_Is_Implemented() || Life_Cycle_WatchTime == 0) return true;
+  const TDateTime start = GetLife_Cycle_Start();
+  TDateTime end = GetLife_Cycle_End();
+  if (start == 0 && end == 0) return true;
+  if (end == 0) end = MaxDateTime;
+  return start <= Life_Cycle_WatchTime && end >= Life_Cycle_WatchTime;
+}
+
+bool TElement::Life_Cycle_Is_Implemented() const { return false; }
+bool TElement::Life_Cycle_Start_Store() const { return false; }
+bool TElement::Life_Cycle_End_Store() const { return false; }
+
+int32_t TElement::GetLastPropertyIndex() const { return CheckedSub<int32_t>(GetPropCount(this), 1); }
+
+namespace {
+
+// The year or month of a life-cycle date, 0 when the element keeps no period or the date is 0.
+uint16_t DatePart(const TElement& element, TDateTime date, int (*part)(TDateTime)) {
+  if (!element.Life_Cycle_Is_Implemented() || date == 0) return 0;
+  return static_cast<uint16_t>(part(date));
+}
+
+}  // namespace
+
+uint16_t TElement::GetLife_Cycle_Start_Year() const { return DatePart(*this, GetLife_Cycle_Start(), YearOf); }
+uint16_t TElement::GetLife_Cycle_Start_Month() const { return DatePart(*this, GetLife_Cycle_Start(), MonthOf); }
+uint16_t TElement::GetLife_Cycle_End_Year() const { return DatePart(*this, GetLife_Cycle_End(), YearOf); }
+uint16_t TElement::GetLife_Cycle_End_Month() const { return DatePart(*this, GetLife_Cycle_End(), MonthOf); }
+
+void TElement::SetLife_Cycle_Start_Year(uint16_t year) {
+  if (Life_Cycle_Is_Implemented()) SetLife_Cycle_Start(StartOfAYear(year));
+}
+
+// A month set while the start is still 0 asks for a date in year 0, which fails: the year is
+// to be set first.
+void TElement::SetLife_Cycle_Start_Month(uint16_t month) {
+  if (Life_Cycle_Is_Implemented()) SetLife_Cycle_Start(StartOfAMonth(GetLife_Cycle_Start_Year(), month));
+}
+
+void TElement::SetLife_Cycle_End_Year(uint16_t year) {
+  if (Life_Cycle_Is_Implemented()) SetLife_Cycle_End(EndOfAYear(year));
+}
+
+void TElement::SetLife_Cycle_End_Month(uint16_t month) {
+  if (Life_Cycle_Is_Implemented()) SetLife_Cycle_End(EndOfAMonth(GetLife_Cycle_End_Year(), month));
+}
+
+void TElement::SaveElement(const TElement* element, TWriter& writer) {
+  writer.WriteInteger(element != nullptr ? element->ID : -1);
+}
+
+TElement* TElement::LoadElement(TReader& reader, TEntity* table) {
+  const int32_t number = reader.ReadInteger();
+  if (number < 0 || table == nullptr) return nullptr;
+  return table->Get(number);
+}
+
+void TSuperList::FreeItem(TElement*& item) {
+  if (item != nullptr && item->IsPossibleToFree()) delete item;
+}
+
+void TSuperList::FreeAll() {
+  for (int i = Count() - 1; i >= 0; --i) {
+    TElement* item = Item(i);
+    FreeItem(item);
+  }
+}
+
+void TSuperList::FastFreeItem(TElement*& item) {
+  if (item == nullptr) return;
+  if (auto* entity = dynamic_cast<TEntity*>(item)) entity->FastFreeAll();
+  delete item;
+}
+
+void TSuperList::FastFreeAll() {
+  for (int i = Count() - 1; i >= 0; --i) {
+    TElement* item = Item(i);
+    FastFreeItem(item);
+  }
+  Clear();
+}
+
+void CheckTestedElement() {
+  if (TestedElement == nullptr || TestedElement->GetOwnersCount() < 1) return;
+  try {
+    if (TEntity* owner = TestedElement->GetOwnerEntity(0)) (void)owner->GetName();
+  } catch (...) {
+    ShowMessage(u"Test ... chyba !!!", MessageKind::Error);
+  }
+}
+
+}  // namespace veska

@@ -1,0 +1,148 @@
+// TElement, the root of every object of the model, and TSuperList, the member list of entities.
+#pragma once
+
+#include <cstdint>
+
+#include "kernel/platform/date_time.h"
+#include "kernel/platform/pointer_list.h"
+#include "kernel/platform/publisher.h"
+
+namespace veska {
+
+class TEntity;
+class TElement;
+class TReader;
+class TWriter;
+class TVeskaMessage;
+class TStringList;
+
+// The visit mark of whole-graph walks: always in -31999..0, new on every ResetBaseID.
+inline int32_t BaseID = 0;
+void ResetBaseID();
+
+// The life-cycle watch: when on and a watch time is set, elements that keep a life-cycle
+// period are alive only when the watch time falls within it.
+inline bool Life_Cycle_Watch = false;
+inline TDateTime Life_Cycle_WatchTime = 0;
+
+class TElement : public TPersistent {
+  VESKA_CLASS(TElement, TPersistent, u"Elements")
+ public:
+  // The number under which the element is streamed, and the visit mark of walks; -1 when new.
+  int32_t ID = -1;
+
+  TElement() = default;
+  ~TElement() override = default;
+
+  // Sizes.  The whole size walks everything reachable once, stamping each element's ID.
+  virtual int32_t GetInstanceSize() const;
+  virtual int32_t GetWholeSize();
+  virtual int32_t GetWholeSizes();
+
+  virtual String GetName() const;
+  virtual void SetName(const String& name);
+
+  // Owners.
+  virtual TEntity* GetOwnerEntity(int index) const;
+  virtual void PutOwner(int index, TEntity* entity);
+  virtual int32_t GetOwnersCount() const;
+
+  // Life-cycle period (0 = no date).
+  virtual TDateTime GetLife_Cycle_End() const;
+  virtual TDateTime GetLife_Cycle_Start() const;
+  virtual void SetLife_Cycle_End(TDateTime value);
+  virtual void SetLife_Cycle_Start(TDateTime value);
+
+  virtual bool StoreName() const;
+  virtual void Load(TReader& reader, TEntity* table);
+  virtual void Save(TWriter& writer);
+  virtual bool NoElements() const;
+  virtual TElement* CreateEnvelope();
+
+  // Messages.
+  virtual void HandleMessage(TVeskaMessage* message, bool& handled);
+  virtual void OwnersHandleMessage(TVeskaMessage* message, bool& handled);
+  virtual void SendMsg(int32_t message, TElement* receiver, TElement* data, bool kill_data);
+  virtual void PostMsg(int32_t message, TElement* receiver, TElement* data, bool kill_data);
+  virtual void SendMsgToOwners(int32_t message, TElement* data, bool kill_data);
+  virtual void PostMsgToOwners(int32_t message, TElement* data, bool kill_data);
+  virtual void OnTimer();
+
+  virtual void AddOwner(TEntity* entity);
+  virtual void RemoveOwner(TEntity* entity);
+  virtual bool IsMyOwner(const TEntity* entity) const;
+  virtual bool NoOwners() const;
+  virtual TEntity* FindOwnerClass(const ClassInfo& cls) const;
+  virtual TEntity* FindOwnerName(const String& name) const;
+  virtual TElement* FindClassInOwners(const ClassInfo& cls);
+  virtual TElement* FindClassWithOwnerInOwners(const ClassInfo& cls, const TEntity* entity);
+  virtual TElement* FindFirstClassWithOwnerInOwners(const ClassInfo& cls, const TEntity* entity);
+  virtual bool IsPossibleToFree();
+  virtual void ResetID();
+  virtual void ResetIDs();
+
+  // Published properties by name, as text and typed.
+  virtual bool HasPropertyByName(const String& name) const;
+  virtual String GetPropertyStringByName(const String& name) const;
+  virtual bool SetPropertyStringByName(const String& name, const String& value);
+  virtual double GetPropertyFloatByName(const String& name) const;
+  virtual bool SetPropertyFloatByName(const String& name, double value);
+  virtual int64_t GetPropertyLongIntByName(const String& name) const;
+  virtual bool SetPropertyLongIntByName(const String& name, int64_t value);
+  virtual int32_t GetPropertyIntByName(const String& name) const;
+  virtual bool SetPropertyIntByName(const String& name, int32_t value);
+  virtual bool GetPropertyBooleanByName(const String& name) const;
+  virtual bool SetPropertyBooleanByName(const String& name, bool value);
+
+  virtual bool Life_Cycle_Is_Alive() const;
+  virtual bool Life_Cycle_Is_Implemented() const;
+  virtual bool Life_Cycle_Start_Store() const;
+  virtual bool Life_Cycle_End_Store() const;
+
+  // A text message (number and text) posted from this element to the receiver.
+  void PostTextMsg(int32_t message, const String& text, TElement* receiver);
+  void PostTextMsgToOwners(int32_t message, const String& text);
+
+  String Get_ClassName() const { return ClassName(); }
+  int32_t GetLastPropertyIndex() const;
+
+  uint16_t GetLife_Cycle_Start_Year() const;
+  uint16_t GetLife_Cycle_Start_Month() const;
+  uint16_t GetLife_Cycle_End_Year() const;
+  uint16_t GetLife_Cycle_End_Month() const;
+  void SetLife_Cycle_Start_Year(uint16_t year);
+  void SetLife_Cycle_Start_Month(uint16_t month);
+  void SetLife_Cycle_End_Year(uint16_t year);
+  void SetLife_Cycle_End_Month(uint16_t month);
+
+  // Streaming of references: the referenced element's ID, or -1 for none; read back as the
+  // element at that position of the loader's table of all elements.
+  static void SaveElement(const TElement* element, TWriter& writer);
+  static TElement* LoadElement(TReader& reader, TEntity* table);
+
+  static void Publish(Publisher<TElement>& p);
+};
+
+// The list an entity keeps its members in.  Items are elements or none.
+class TSuperList : public TList {
+ public:
+  TElement* Item(int index) const { return static_cast<TElement*>(Get(index)); }
+  // Frees the item when the element agrees (IsPossibleToFree); the slot is not cleared.
+  static void FreeItem(TElement*& item);
+  // FreeItem for every item from the last down to the first; the list keeps its slots.
+  void FreeAll();
+  // Frees the item unconditionally, fast-freeing the members of an entity first.
+  static void FastFreeItem(TElement*& item);
+  // FastFreeItem for every item from the last down to the first, then clears the list.
+  void FastFreeAll();
+};
+
+// A new element of the class registered under the name (or under "T" + name); none, with the
+// message "Neregistrovaný element: " + name, when no such class is registered.
+TElement* CreateElementByName(const String& name);
+
+// The debugging aid over the global TestedElement.
+inline TEntity* TestedElement = nullptr;
+void CheckTestedElement();
+
+}  // namespace veska

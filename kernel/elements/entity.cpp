@@ -1,0 +1,419 @@
+#include "kernel/elements/entity.h"
+
+#include "kernel/classes/registry.h"
+#include "kernel/elements/message.h"
+#include "kernel/elements/named.h"
+#include "kernel/platform/checked_arithmetic.h"
+#include "kernel/platform/message_sink.h"
+#include "kernel/platform/typed_value_stream.h"
+
+namespace veska {
+
+void TEntity::Publish(Publisher<TEntity>& p) {
+  p.WriteOnly(u"NextElement", &TEntity::AddElement);
+  p.WriteOnly(u"ElementToFree", &TEntity::SetElementToFree);
+  p.WriteOnly(u"ElementToRemove", &TEntity::RemoveElement);
+  p.WriteOnly(u"AddAllFrom", &TEntity::PAddAllFrom);
+  p.WriteOnly(u"AddAllFromRev", &TEntity::RAddAllFrom);
+  p.WriteOnly(u"RemoveAllFrom", &TEntity::SetRemoveAllFrom);
+  p.WriteOnly(u"FreeAllFrom", &TEntity::SetFreeAllFrom);
+  p.Property(u"WholeCount", &TEntity::GetWholeCount);
+  p.Property(u"Count", &TEntity::ElementsCount);
+  p.Property(u"LastIndex", &TEntity::GetLastIndex);
+}
+
+TEntity::~TEntity() {
+  FreeAll();
+}
+
+TSuperList& TEntity::Elements() {
+  if (!elements_) elements_ = std::make_unique<TSuperList>();
+  return *elements_;
+}
+
+int32_t TEntity::ElementsCount() { return Elements().Count(); }
+
+int32_t TEntity::GetLastIndex() { return ElementsCount() - 1; }
+
+TElement* TEntity::Get(int index) {
+  if (!elements_) {
+    Elements();
+    return nullptr;
+  }
+  return elements_->Item(index);
+}
+
+void TEntity::Put(int index, TElement* element) {
+  TSuperList& list = Elements();
+  if (list.Count() == 0 && index == 0) {
+    list.Add(element);
+  } else {
+    list.Put(index, element);
+  }
+}
+
+int TEntity::IndexOf(const TElement* element) const { return elements_ ? elements_->IndexOf(element) : -1; }
+
+bool TEntity::NoElements() const { return !elements_ || elements_->Count() == 0; }
+
+void TEntity::AddToList(TElement* element, bool track_owner) {
+  if (element == nullptr) return;
+  TSuperList& list = Elements();
+  if (track_owner) element->AddOwner(this);
+  list.Add(element);
+}
+
+void TEntity::InsertIntoList(int index, TElement* element, bool track_owner) {
+  if (element == nullptr) return;
+  if (!elements_) {
+    if (index != 0) return;  // an entity that never held anything takes only index 0
+    Elements().Add(element);
+  } else {
+    elements_->Insert(index, element);
+  }
+  if (track_owner) element->AddOwner(this);
+}
+
+void TEntity::AddElement(TElement* element) { AddToList(element, true); }
+
+void TEntity::InsertElement(int index, TElement* element) { InsertIntoList(index, element, true); }
+
+void TEntity::RemoveElement(TElement* element) {
+  if (element == nullptr || !elements_) return;
+  element->RemoveOwner(this);
+  elements_->Remove(element);
+}
+
+void TEntity::RemoveElementIndex(int index) {
+  if (!elements_ || index < 0 || index >= elements_->Count()) return;
+  if (TElement* member = elements_->Item(index)) member->RemoveOwner(this);
+  elements_->Delete(index);
+}
+
+void TEntity::FreeOrRelease(TElement* element) {
+  if (element->IsPossibleToFree()) {
+    delete element;
+  } else {
+    element->RemoveOwner(this);
+  }
+}
+
+void TEntity::FreeElement(TElement* element) {
+  if (element == nullptr || !elements_) return;
+  try {
+    elements_->Remove(element);
+    FreeOrRelease(element);
+  } catch (const std::exception& error) {
+    ShowMessage(u"TEntity.FreeElement\r\n" + FromUtf8(error.what()), MessageKind::Error);
+  }
+}
+
+void TEntity::FreeElementIndex(int index) {
+  if (!elements_ || index < 0 || index >= elements_->Count()) return;
+  try {
+    TElement* member = elements_->Item(index);
+    elements_->Delete(index);
+    if (member != nullptr) FreeOrRelease(member);
+  } catch (const std::exception& error) {
+    ShowMessage(u"TEntity.FreeElement\r\n" + FromUtf8(error.what()), MessageKind::Error);
+  }
+}
+
+// Lets every member go: each is asked first whether it may be freed, then released from this
+// entity, then freed when it agreed.  Members that other holders keep survive.
+void TEntity::FreeAll() {
+  if (NoElements()) return;
+  try {
+    for (int i = elements_->Count() - 1; i >= 0; --i) {
+      TElement* member = elements_->Item(i);
+      if (member == nullptr) continue;
+      const bool may_free = member->IsPossibleToFree();
+      member->RemoveOwner(this);
+      if (may_free) delete member;
+    }
+    elements_->Clear();
+  } catch (const std::exception& error) {
+    ShowMessage(GetName() + u" TEntity.FreeAll\r\n" + FromUtf8(error.what()), MessageKind::Error);
+  }
+}
+
+// Frees every member whatever its other holders say.
+void TEntity::HardFreeAll() {
+  if (NoElements()) return;
+  try {
+    for (int i = elements_->Count() - 1; i >= 0; --i) {
+      TElement* member = elements_->Item(i);
+      if (member == nullptr) continue;
+      member->RemoveOwner(this);
+      delete member;
+    }
+    elements_->Clear();
+  } catch (const std::exception& error) {
+    ShowMessage(u"TEntity.HardFreeAll\r\n" + FromUtf8(error.what()), MessageKind::Error);
+  }
+}
+
+// Tears down a whole tree that nobody else holds: no owner bookkeeping, no questions.
+void TEntity::FastFreeAll() {
+  if (elements_) elements_->FastFreeAll();
+}
+
+void TEntity::Clear() {
+  if (elements_) elements_->Clear();
+}
+
+TElement* TEntity::CreateElement(const String& class_name, const String& name) {
+  const ClassInfo* cls = GetVeskaClass(class_name);
+  if (cls == nullptr) return nullptr;
+  auto* element = dynamic_cast<TElement*>(cls->Create());
+  if (element == nullptr) return nullptr;
+  element->SetName(name);
+  AddElement(element);
+  return element;
+}
+
+void TEntity::ExchangeElements(TElement* a, TElement* b) { ExchangeElementsIndex(IndexOf(a), IndexOf(b)); }
+
+void TEntity::ExchangeElementsIndex(int i, int j) {
+  if (elements_) elements_->Exchange(i, j);
+}
+
+void TEntity::PAddAllFrom(TElement* source) {
+  auto* entity = dynamic_cast<TEntity*>(source);
+  if (entity == nullptr) return;
+  for (int i = 0; i <= entity->GetLastIndex(); ++i) AddElement(entity->Get(i));
+}
+
+void TEntity::RAddAllFrom(TElement* source) {
+  auto* entity = dynamic_cast<TEntity*>(source);
+  if (entity == nullptr) return;
+  for (int i = entity->GetLastIndex(); i >= 0; --i) AddElement(entity->Get(i));
+}
+
+void TEntity::SetRemoveAllFrom(TElement* source) {
+  auto* entity = dynamic_cast<TEntity*>(source);
+  if (entity == nullptr) return;
+  for (int i = 0; i <= entity->GetLastIndex(); ++i) RemoveElement(entity->Get(i));
+}
+
+void TEntity::SetFreeAllFrom(TElement* source) {
+  auto* entity = dynamic_cast<TEntity*>(source);
+  if (entity == nullptr) return;
+  for (int i = 0; i <= entity->GetLastIndex(); ++i) FreeElement(entity->Get(i));
+}
+
+TElement* TEntity::FindOrCreateElementName(const ClassInfo& cls, const String& name) {
+  if (TElement* found = FindElementName(name)) return found;
+  auto* element = dynamic_cast<TElement*>(cls.Create());
+  if (element == nullptr) return nullptr;
+  element->SetName(name);
+  AddElement(element);
+  return element;
+}
+
+void TEntity::ExchangeFieldElement(TElement*& field, TElement* element) {
+  if (field != nullptr) {
+    FreeElement(field);
+    AddElement(element);
+  } else if (IndexOf(element) < 0) {
+    AddElement(element);
+  }
+  field = element;
+}
+
+void TEntity::GetElements(TEntity* source, int from, int to) {
+  if (source == nullptr) return;
+  for (int i = from; i <= to; ++i) AddElement(source->Get(i));
+}
+
+TElement* TEntity::FindElementClass(const ClassInfo& cls) {
+  if (!elements_) return nullptr;
+  for (void* item : *elements_) {
+    auto* member = static_cast<TElement*>(item);
+    if (member != nullptr && member->InheritsFrom(cls)) return member;
+  }
+  return nullptr;
+}
+
+TElement* TEntity::FindElementName(const String& name) {
+  if (!elements_) return nullptr;
+  const String wanted = UpperCase(name);
+  for (void* item : *elements_) {
+    auto* member = static_cast<TElement*>(item);
+    if (member != nullptr && UpperCase(member->GetName()) == wanted) return member;
+  }
+  return nullptr;
+}
+
+TElement* TEntity::FindElementByProperty(const String& property_name, const String& value) {
+  if (!elements_) return nullptr;
+  for (void* item : *elements_) {
+    auto* member = static_cast<TElement*>(item);
+    if (member != nullptr && SameText(member->GetPropertyStringByName(property_name), value)) return member;
+  }
+  return nullptr;
+}
+
+TElement* TEntity::FindElementByProperty(const String& value) { return FindElementName(value); }
+
+int32_t TEntity::GetClassCount(const ClassInfo& cls) {
+  int32_t count = 0;
+  if (!elements_) return 0;
+  for (void* item : *elements_) {
+    auto* member = static_cast<TElement*>(item);
+    if (member != nullptr && member->InheritsFrom(cls)) ++count;
+  }
+  return count;
+}
+
+bool TEntity::CanFreeElement(TElement* /*element*/) { return false; }
+bool TEntity::CheckLoadDuplicity() { return false; }
+
+int32_t TEntity::GetWholeSizes() {
+  ID = BaseID;
+  int32_t size = 0;
+  if (elements_) {
+    for (void* item : *elements_) {
+      auto* member = static_cast<TElement*>(item);
+      if (member != nullptr && member->ID != BaseID) size = CheckedAdd(size, member->GetWholeSizes());
+    }
+  }
+  return CheckedAdd(size, GetInstanceSize());
+}
+
+int32_t TEntity::GetWholeCount() {
+  ResetBaseID();
+  return GetWholeCounts();
+}
+
+int32_t TEntity::GetWholeCounts() {
+  ID = BaseID;
+  int32_t count = 0;
+  if (elements_) {
+    for (void* item : *elements_) {
+      auto* member = static_cast<TElement*>(item);
+      if (member == nullptr || member->ID == BaseID) continue;
+      if (auto* entity = dynamic_cast<TEntity*>(member)) {
+        count = CheckedAdd(count, entity->GetWholeCounts());
+      } else {
+        member->ID = BaseID;
+      }
+    }
+  }
+  return CheckedAdd(count, ElementsCount());
+}
+
+void TEntity::ResetIDs() {
+  TElement::ResetIDs();
+  if (!elements_) return;
+  for (void* item : *elements_) {
+    auto* member = static_cast<TElement*>(item);
+    if (member != nullptr && member->ID != BaseID) member->ResetIDs();
+  }
+}
+
+void TEntity::Save(TWriter& writer) {
+  TElement::Save(writer);
+  writer.WriteListBegin();
+  if (elements_) {
+    for (void* item : *elements_) {
+      auto* member = static_cast<TElement*>(item);
+      writer.WriteInteger(member != nullptr ? member->ID : -1);
+    }
+  }
+  writer.WriteListEnd();
+}
+
+void TEntity::Load(TReader& reader, TEntity* table) {
+  TElement::Load(reader, table);
+  reader.ReadListBegin();
+  while (!reader.EndOfList()) {
+    const int32_t number = reader.ReadInteger();
+    AddElement(table != nullptr ? table->Get(number) : nullptr);
+  }
+  reader.ReadListEnd();
+}
+
+TElement* TEntity::CreateEnvelope() {
+  auto* envelope = dynamic_cast<TEntity*>(ClassType().Create());
+  if (envelope == nullptr) return nullptr;
+  envelope->SetName(u"Obálka: " + GetName());
+  if (elements_) {
+    for (void* item : *elements_) {
+      auto* member = static_cast<TElement*>(item);
+      if (member == nullptr) continue;
+      envelope->AddElement(member->NoOwners() ? member->CreateEnvelope() : member);
+    }
+  }
+  return envelope;
+}
+
+// Deliberately, an entity does not pass messages down to its members.
+void TEntity::HandleMessage(TVeskaMessage* /*message*/, bool& /*handled*/) {}
+
+// The timer walk counts with a 16-bit unsigned counter under range checking, as it always
+// did: an entity without members (or with more than 65536) raises the range error, and one
+// whose list was never created fails on the missing list.
+void TEntity::OnTimer() {
+  if (!elements_) throw Exception(u"Access violation: " + GetName() + u" has no member list");
+  const auto last = CheckedRange<uint16_t>(elements_->Count() - 1);
+  for (uint32_t i = 0; i <= last; ++i) {
+    if (TElement* member = elements_->Item(static_cast<int>(i))) member->OnTimer();
+  }
+}
+
+TElement* TEntity::GetElement(const String& name) {
+  if (auto* aliases = dynamic_cast<TAliases*>(FindElementClass(TAliases::StaticClassInfo()))) {
+    if (TElement* target = aliases->GetAlias(name)) return target;
+  }
+  return FindElementName(name);
+}
+
+void TEntity::SetElement(const String& name, TElement* element) {
+  auto* aliases = dynamic_cast<TAliases*>(FindElementClass(TAliases::StaticClassInfo()));
+  if (aliases == nullptr) {
+    aliases = new TAliases;
+    AddElement(aliases);
+  }
+  if (TElement* previous = aliases->GetAlias(name)) FreeElement(previous);
+  aliases->SetAlias(name, element);
+  AddElement(element);
+}
+
+void TQuickEntity::Publish(Publisher<TQuickEntity>& p) { p.WriteOnly(u"ClearIt", &TQuickEntity::SetClearIt); }
+
+void TQuickEntity::AddElement(TElement* element) { AddToList(element, false); }
+
+void TQuickEntity::InsertElement(int index, TElement* element) { InsertIntoList(index, element, false); }
+
+void TQuickEntity::SetClearIt(bool value) {
+  if (value) Clear();
+}
+
+void TEnvelopeEntity::HandleMessage(TVeskaMessage* message, bool& handled) {
+  if (owner_ == nullptr || message == nullptr) return;
+  message->Receiver = owner_;
+  owner_->HandleMessage(message, handled);
+}
+
+TEntity* TEnvelopeEntity::FindOwnerClass(const ClassInfo& cls) const {
+  if (InheritsFrom(cls)) return const_cast<TEnvelopeEntity*>(this);
+  if (owner_ != nullptr && owner_->InheritsFrom(cls)) return owner_;
+  return nullptr;
+}
+
+TElement* TEnvelopeEntity::FindClassInOwners(const ClassInfo& cls) {
+  if (InheritsFrom(cls)) return this;
+  return owner_ != nullptr ? owner_->FindClassInOwners(cls) : nullptr;
+}
+
+TElement* TEnvelopeEntity::FindClassWithOwnerInOwners(const ClassInfo& cls, const TEntity* entity) {
+  if (InheritsFrom(cls)) return IsMyOwner(entity) ? this : nullptr;
+  return owner_ != nullptr ? owner_->FindClassWithOwnerInOwners(cls, entity) : nullptr;
+}
+
+TElement* TEnvelopeEntity::FindFirstClassWithOwnerInOwners(const ClassInfo& cls, const TEntity* entity) {
+  return FindClassWithOwnerInOwners(cls, entity);
+}
+
+}  // namespace veska

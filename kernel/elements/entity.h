@@ -1,0 +1,118 @@
+// Entities: elements that hold an ordered list of member elements.  TEntity keeps the owner
+// bookkeeping of its members; TQuickEntity is the variant without it; TEnvelopeEntity is the
+// envelope that answers for the entity it wraps.
+#pragma once
+
+#include <memory>
+
+#include "kernel/elements/element.h"
+
+namespace veska {
+
+class TEntity : public TElement {
+  VESKA_CLASS(TEntity, TElement, u"Elements")
+ public:
+  TEntity() = default;
+  ~TEntity() override;
+
+  virtual int32_t ElementsCount();
+  virtual int32_t GetLastIndex();
+  virtual TElement* Get(int index);
+  virtual void Put(int index, TElement* element);
+  virtual int IndexOf(const TElement* element) const;
+  virtual void FreeAll();
+  virtual TElement* CreateElement(const String& class_name, const String& name);
+  virtual void AddElement(TElement* element);
+  virtual void InsertElement(int index, TElement* element);
+  virtual void RemoveElement(TElement* element);
+  virtual void RemoveElementIndex(int index);
+  virtual void FreeElement(TElement* element);
+  virtual void FreeElementIndex(int index);
+  virtual TElement* FindElementClass(const ClassInfo& cls);
+  virtual TElement* FindElementName(const String& name);
+  virtual TElement* FindElementByProperty(const String& property_name, const String& value);
+  virtual TElement* FindElementByProperty(const String& value);
+  // Whether this entity lets another holder free a member it shares; never, unless a
+  // descendant says so.
+  virtual bool CanFreeElement(TElement* element);
+  // Whether the stream loader must add a member only when it is not yet in the entity.
+  virtual bool CheckLoadDuplicity();
+
+  int32_t GetWholeSizes() override;
+  void Load(TReader& reader, TEntity* table) override;
+  void Save(TWriter& writer) override;
+  bool NoElements() const override;
+  TElement* CreateEnvelope() override;
+  void HandleMessage(TVeskaMessage* message, bool& handled) override;
+  void OnTimer() override;
+  void ResetIDs() override;
+
+  // The three ways of letting members go; see the implementation for how they differ.
+  void HardFreeAll();
+  void FastFreeAll();
+  // Empties the list; nothing is freed and no member is told.
+  void Clear();
+
+  void ExchangeElements(TElement* a, TElement* b);
+  void ExchangeElementsIndex(int i, int j);
+  void PAddAllFrom(TElement* source);
+  void RAddAllFrom(TElement* source);
+  void SetRemoveAllFrom(TElement* source);
+  void SetFreeAllFrom(TElement* source);
+  void SetElementToFree(TElement* element) { FreeElement(element); }
+  TElement* FindOrCreateElementName(const ClassInfo& cls, const String& name);
+  // Replaces the member held in a field of a descendant.
+  void ExchangeFieldElement(TElement*& field, TElement* element);
+  void GetElements(TEntity* source, int from, int to);
+  int32_t GetClassCount(const ClassInfo& cls);
+  int32_t GetWholeCount();
+  int32_t GetWholeCounts();
+
+  // Members by name, through the entity's alias table first.
+  TElement* GetElement(const String& name);
+  void SetElement(const String& name, TElement* element);
+
+  static void Publish(Publisher<TEntity>& p);
+
+ protected:
+  TSuperList& Elements();  // the member list, created on first use
+  bool HasList() const { return elements_ != nullptr; }
+  // Frees or only releases a member that has left the list, as FreeElement does.
+  void FreeOrRelease(TElement* element);
+  // Adds the member to the list, telling it of its new owner when track_owner is set.
+  void AddToList(TElement* element, bool track_owner);
+  void InsertIntoList(int index, TElement* element, bool track_owner);
+
+ private:
+  std::unique_ptr<TSuperList> elements_;
+};
+
+class TQuickEntity : public TEntity {
+  VESKA_CLASS(TQuickEntity, TEntity, u"Elements")
+ public:
+  void AddElement(TElement* element) override;
+  void InsertElement(int index, TElement* element) override;
+  // Writing true empties the list; false does nothing.
+  void SetClearIt(bool value);
+
+  static void Publish(Publisher<TQuickEntity>& p);
+};
+
+class TEnvelopeEntity : public TEntity {
+  VESKA_CLASS(TEnvelopeEntity, TEntity, u"Elements")
+ public:
+  TEntity* Owner() const { return owner_; }
+  void SetOwner(TEntity* owner) { owner_ = owner; }
+
+  void AddOwner(TEntity* entity) override { SetOwner(entity); }
+  void HandleMessage(TVeskaMessage* message, bool& handled) override;
+  TEntity* FindOwnerClass(const ClassInfo& cls) const override;
+  TElement* FindClassInOwners(const ClassInfo& cls) override;
+  TElement* FindClassWithOwnerInOwners(const ClassInfo& cls, const TEntity* entity) override;
+  TElement* FindFirstClassWithOwnerInOwners(const ClassInfo& cls, const TEntity* entity) override;
+
+ private:
+  TEntity* owner_ = nullptr;  // the wrapped entity; not owned
+};
+
+}  // namespace veska

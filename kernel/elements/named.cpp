@@ -1,0 +1,228 @@
+#include "kernel/elements/named.h"
+
+#include "kernel/platform/message_sink.h"
+#include "kernel/platform/typed_value_stream.h"
+
+namespace veska {
+
+void OwnerList::Add(TEntity* entity) {
+  if (!list_) list_ = std::make_unique<TSuperList>();
+  list_->Add(entity);
+}
+
+// Index 0 means the end of the list, not its front: deliberately, as it always did.
+void OwnerList::Put(int index, TEntity* entity) {
+  if (!list_) list_ = std::make_unique<TSuperList>();
+  if (index == 0) {
+    list_->Add(entity);
+  } else {
+    list_->Insert(index, entity);
+  }
+}
+
+void OwnerList::Remove(const TEntity* entity) {
+  if (Count() > 0) list_->Remove(const_cast<TEntity*>(entity));
+}
+
+bool OwnerList::Contains(const TEntity* entity) const { return Count() > 0 && list_->IndexOf(entity) >= 0; }
+
+namespace {
+
+// Finding owners looks through envelopes: the wrapped entity stands for its envelope.
+TEntity* Unwrapped(TEntity* owner) {
+  auto* envelope = dynamic_cast<TEnvelopeEntity*>(owner);
+  return envelope != nullptr ? envelope->Owner() : owner;
+}
+
+}  // namespace
+
+// --- TNameElement ---------------------------------------------------------------------------
+
+String TNameElement::GetName() const { return FName.empty() ? ClassName() : FName; }
+void TNameElement::SetName(const String& name) { FName = name; }
+bool TNameElement::StoreName() const { return !FName.empty(); }
+
+// The name's length always counts here, since the test for an empty name asks GetName, which
+// is never empty; TNameEntity differs on purpose.
+int32_t TNameElement::GetInstanceSize() const {
+  return TElement::GetInstanceSize() + static_cast<int32_t>(FName.size()) + 1;
+}
+
+void TNameElement::Load(TReader& reader, TEntity* table) {
+  TElement::Load(reader, table);
+  SetName(reader.ReadString());
+}
+
+// Deliberately GetName: an unnamed element writes its class name and reads back with it.
+void TNameElement::Save(TWriter& writer) {
+  TElement::Save(writer);
+  writer.WriteString(GetName());
+}
+
+// --- TOwnerElement --------------------------------------------------------------------------
+
+TOwnerElement::~TOwnerElement() {
+  for (int i = owners_.Count() - 1; i >= 0; --i) {
+    if (i >= owners_.Count()) continue;  // an owner may have taken several entries at once
+    if (TEntity* owner = owners_.At(i)) owner->RemoveElement(this);
+  }
+}
+
+TEntity* TOwnerElement::GetOwnerEntity(int index) const {
+  if (index < 0 || index >= owners_.Count()) return nullptr;
+  return owners_.At(index);
+}
+
+void TOwnerElement::PutOwner(int index, TEntity* entity) { owners_.Put(index, entity); }
+int32_t TOwnerElement::GetOwnersCount() const { return owners_.Count(); }
+void TOwnerElement::AddOwner(TEntity* entity) { owners_.Add(entity); }
+void TOwnerElement::RemoveOwner(TEntity* entity) { owners_.Remove(entity); }
+bool TOwnerElement::IsMyOwner(const TEntity* entity) const { return owners_.Contains(entity); }
+bool TOwnerElement::NoOwners() const { return owners_.Count() == 0; }
+
+TEntity* TOwnerElement::FindOwnerClass(const ClassInfo& cls) const {
+  for (int i = 0; i < owners_.Count(); ++i) {
+    TEntity* owner = owners_.At(i);
+    if (owner != nullptr && owner->InheritsFrom(cls)) return owner;
+  }
+  return nullptr;
+}
+
+// Case-sensitive, unlike the entity's search of its members.
+TEntity* TOwnerElement::FindOwnerName(const String& name) const {
+  for (int i = 0; i < owners_.Count(); ++i) {
+    TEntity* owner = owners_.At(i);
+    if (owner != nullptr && owner->GetName() == name) return owner;
+  }
+  return nullptr;
+}
+
+// --- TNameEntity ----------------------------------------------------------------------------
+
+String TNameEntity::GetName() const { return FName.empty() ? ClassName() : FName; }
+void TNameEntity::SetName(const String& name) { FName = name; }
+bool TNameEntity::StoreName() const { return !FName.empty(); }
+
+int32_t TNameEntity::GetInstanceSize() const {
+  const int32_t base = TEntity::GetInstanceSize();
+  return FName.empty() ? base : base + static_cast<int32_t>(FName.size()) + 1;
+}
+
+void TNameEntity::Load(TReader& reader, TEntity* table) {
+  TEntity::Load(reader, table);
+  SetName(reader.ReadString());
+}
+
+void TNameEntity::Save(TWriter& writer) {
+  TEntity::Save(writer);
+  writer.WriteString(GetName());
+}
+
+// --- TOwnerEntity ---------------------------------------------------------------------------
+
+// Leaves every owner, then lets its own members go.  Owner entries are typed entities here,
+// so the original's test for an owner that is not an entity has nothing left to catch.
+TOwnerEntity::~TOwnerEntity() {
+  TEntity* current = nullptr;
+  try {
+    for (int i = owners_.Count() - 1; i >= 0; --i) {
+      if (i >= owners_.Count()) continue;
+      current = owners_.At(i);
+      if (current == nullptr) {
+        ShowMessage(u"TOwnerEntity.Destroy: Špatný vlastník", MessageKind::Error);
+        continue;
+      }
+      if (!current->NoElements()) current->RemoveElement(this);
+    }
+  } catch (const std::exception&) {
+    ShowMessage(u"TOwnerEntity.Destroy: chyba cyklu uvolňování , " +
+                    (current != nullptr ? current->ClassName() + u" : " + current->GetName() : String(u" : ")),
+                MessageKind::Error);
+  }
+  FName.clear();
+  FreeAll();
+}
+
+TEntity* TOwnerEntity::GetOwnerEntity(int index) const {
+  if (index < 0 || index >= owners_.Count()) return nullptr;
+  TEntity* owner = owners_.At(index);
+  if (owner == nullptr) {
+    ShowMessage(u"TOwnerEntity(" + GetName() + u").GetOwner: Objekt vlastníka je prázdný", MessageKind::Error);
+  }
+  return owner;
+}
+
+void TOwnerEntity::PutOwner(int index, TEntity* entity) { owners_.Put(index, entity); }
+int32_t TOwnerEntity::GetOwnersCount() const { return owners_.Count(); }
+void TOwnerEntity::AddOwner(TEntity* entity) { owners_.Add(entity); }
+void TOwnerEntity::RemoveOwner(TEntity* entity) { owners_.Remove(entity); }
+bool TOwnerEntity::IsMyOwner(const TEntity* entity) const { return owners_.Contains(entity); }
+bool TOwnerEntity::NoOwners() const { return owners_.Count() == 0; }
+
+TEntity* TOwnerEntity::FindOwnerClass(const ClassInfo& cls) const {
+  for (int i = 0; i < owners_.Count(); ++i) {
+    TEntity* owner = Unwrapped(owners_.At(i));
+    if (owner != nullptr && owner->InheritsFrom(cls)) return owner;
+  }
+  return nullptr;
+}
+
+TEntity* TOwnerEntity::FindOwnerName(const String& name) const {
+  for (int i = 0; i < owners_.Count(); ++i) {
+    TEntity* owner = Unwrapped(owners_.At(i));
+    if (owner != nullptr && owner->GetName() == name) return owner;
+  }
+  return nullptr;
+}
+
+TElement* TOwnerEntity::CreateSubEntity(const ClassInfo& cls, const String& name) {
+  const String wanted = name.empty() ? String(u"no name") : name;
+  if (TElement* found = FindElementName(wanted)) return found;
+  auto* element = dynamic_cast<TElement*>(cls.Create());
+  if (element == nullptr) return nullptr;
+  element->SetName(wanted);
+  InsertNameSortedEntity(element);
+  return element;
+}
+
+void TOwnerEntity::InsertNameSortedEntity(TElement* element) {
+  if (element == nullptr) return;
+  const String name = element->GetName();
+  const int count = ElementsCount();
+  const TElement* last = count > 0 ? Get(count - 1) : nullptr;
+  if (count == 0 || (last != nullptr && last->GetName() <= name)) {
+    AddElement(element);
+    return;
+  }
+  for (int i = 0; i < count; ++i) {
+    TElement* member = Get(i);
+    if (member != nullptr && member->GetName() > name) {
+      InsertElement(i, element);
+      return;
+    }
+  }
+  AddElement(element);
+}
+
+// --- TAliases -------------------------------------------------------------------------------
+
+TElement* TAliases::GetAlias(const String& name) {
+  auto* alias = dynamic_cast<TAliasElement*>(FindElementName(name));
+  return alias != nullptr ? alias->Target() : nullptr;
+}
+
+// The member found by name is taken as an alias element; a member of another class there is
+// left alone, since the cast the original made without a test would not hold.
+void TAliases::SetAlias(const String& name, TElement* element) {
+  if (element == nullptr) return;
+  TElement* member = FindElementName(name);
+  if (member == nullptr) {
+    auto* created = new TAliasElement;
+    created->SetName(name);
+    AddElement(created);
+    member = created;
+  }
+  if (auto* alias = dynamic_cast<TAliasElement*>(member)) alias->SetTarget(element);
+}
+
+}  // namespace veska
