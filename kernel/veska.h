@@ -1,0 +1,39 @@
+// The whole public interface of the veska library.
+#pragma once
+
+// Platform layer: object model, text, errors, date-time, lists, streams, host application.
+#include "kernel/platform/application.h"
+#include "kernel/platform/checked_arithmetic.h"
+#include "kernel/platform/date_time.h"
+#include "kernel/platform/exceptions.h"
+#include "kernel/platform/float_text.h"
+#include "kernel/platform/format_settings.h"
+#include "kernel/platform/message_sink.h"
+#include "kernel/platform/object.h"
+#include "kernel/platform/object_handles.h"
+#include "kernel/platform/pointer_list.h"
+#include "kernel/platform/prop_info.h"
+#include "kernel/platform/publisher.h"
+#include "kernel/platform/streams.h"
+#include "kernel/platform/string.h"
+#include "kernel/platform/string_list.h"
+#include "kernel/platform/type_info.h"
+#include "kernel/platform/typed_value_stream.h"
+#include "kernel/platform/value_traits.h"
+
+// Element model.
+#include "kernel/elements/element.h"
+#include "kernel/elements/entity.h"
+#include "kernel/elements/message.h"
+#include "kernel/elements/named.h"
+
+// Class registry and property access by name.
+#include "kernel/classes/property_access.h"
+#include "kernel/classes/registry.h"
+#include "kernel/classes/startup.h"
+
+// Text utilities.
+#include "kernel/text/code_page.h"
+#include "kernel/text/line_reader.h"
+#include "kernel/text/parameter_reader.h"
+#include "kernel/text/string_utils.h"
