@@ -271,8 +271,7 @@ int TVeskaClasses::FindIndex(const String& name, int& insert_index) {
   }
 }
 
-void TVeskaClasses::AddVeskaClass(TVeskaClass* record) {
-  if (record == nullptr) return;
+void TVeskaClasses::InsertByName(TVeskaClass* record) {
   int insert_index = -1;
   FindIndex(record->GetName(), insert_index);
   if (insert_index < 0) {
@@ -281,6 +280,11 @@ void TVeskaClasses::AddVeskaClass(TVeskaClass* record) {
     InsertElement(insert_index, record);
   }
   current_ = record;
+}
+
+void TVeskaClasses::AddVeskaClass(TVeskaClass* record) {
+  if (record == nullptr) return;
+  InsertByName(record);
   record->ID = registration_counter_++;
 }
 
@@ -290,14 +294,7 @@ void TVeskaClasses::AddClass(const ClassInfo& element_class) {
   record->SetName(element_class.Name());
   record->ID = registration_counter_++;
   if (ShowProperties) record->ShowProperties();
-  int insert_index = -1;
-  FindIndex(record->GetName(), insert_index);
-  if (insert_index < 0) {
-    AddElement(record);
-  } else {
-    InsertElement(insert_index, record);
-  }
-  current_ = record;
+  InsertByName(record);
 }
 
 TVeskaClass* TVeskaClasses::GetVeskaClassByName(const String& name) {

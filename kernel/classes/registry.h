@@ -129,6 +129,9 @@ class TVeskaClasses : public TOwnerEntity {
   static void Publish(Publisher<TVeskaClasses>& p);
 
  private:
+  // Inserts the record at its place by name and makes it the current class.
+  void InsertByName(TVeskaClass* record);
+
   TVeskaClass* current_ = nullptr;
   int32_t registration_counter_ = 0;
 };

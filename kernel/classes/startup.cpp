@@ -7,21 +7,22 @@
 
 namespace veska {
 
+namespace {
+
+template <class... Classes>
+void RegisterInOrder(TVeskaClasses& registry) {
+  (registry.AddClass(Classes::StaticClassInfo()), ...);
+}
+
+}  // namespace
+
 void RegisterRegistryUnit(TVeskaClasses& registry) {
-  registry.AddClass(TVeskaClass::StaticClassInfo());
-  registry.AddClass(TVeskaClasses::StaticClassInfo());
-  registry.AddClass(TVeskaClassProperty::StaticClassInfo());
+  RegisterInOrder<TVeskaClass, TVeskaClasses, TVeskaClassProperty>(registry);
 }
 
 void RegisterElementsUnit(TVeskaClasses& registry) {
-  for (const ClassInfo* cls : {&TElement::StaticClassInfo(), &TNameElement::StaticClassInfo(),
-                               &TOwnerElement::StaticClassInfo(), &TEntity::StaticClassInfo(),
-                               &TNameEntity::StaticClassInfo(), &TOwnerEntity::StaticClassInfo(),
-                               &TEnvelopeEntity::StaticClassInfo(), &TQuickEntity::StaticClassInfo(),
-                               &TVeskaMessage::StaticClassInfo(), &TStringEntity::StaticClassInfo(),
-                               &TYouShallNotPass::StaticClassInfo()}) {
-    registry.AddClass(*cls);
-  }
+  RegisterInOrder<TElement, TNameElement, TOwnerElement, TEntity, TNameEntity, TOwnerEntity, TEnvelopeEntity,
+                  TQuickEntity, TVeskaMessage, TStringEntity, TYouShallNotPass>(registry);
 }
 
 void RegisterLibraryUnits(TVeskaClasses& registry) {
