@@ -44,6 +44,7 @@ void BM_GetName_ByName(benchmark::State& state) {
     String name = GetPropStringByName(e, u"Name");
     benchmark::DoNotOptimize(name);
   }
+  if (GetPropStringByName(e, u"Name") != e->GetName()) state.SkipWithError("the name read by name differs");
 }
 BENCHMARK(BM_GetName_ByName);
 
@@ -84,6 +85,7 @@ void BM_SetID_ByName(benchmark::State& state) {
     benchmark::DoNotOptimize(found);
     benchmark::ClobberMemory();
   }
+  if (e->ID != 12345) state.SkipWithError("the ID was not written by name");
 }
 BENCHMARK(BM_SetID_ByName);
 
