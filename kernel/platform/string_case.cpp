@@ -4,6 +4,8 @@
 #include <unicode/unistr.h>
 #include <unicode/locid.h>
 
+#include <algorithm>
+
 #include "kernel/platform/string.h"
 
 namespace veska {
@@ -23,9 +25,27 @@ String UpperCase(StringView text) { return FromIcu(ToIcu(text).toUpper(icu::Loca
 
 String LowerCase(StringView text) { return FromIcu(ToIcu(text).toLower(icu::Locale::getRoot())); }
 
+namespace {
+
+constexpr char16_t AsciiLowerChar(char16_t c) { return (c >= u'A' && c <= u'Z') ? char16_t(c + 32) : c; }
+
+}  // namespace
+
+// Names are nearly always ASCII, where case folding is the folding of A-Z; only text with other
+// characters needs ICU.  Both paths order by the folded code points, so they agree.
 int CompareText(StringView a, StringView b) {
-  const int8_t order = ToIcu(a).caseCompare(ToIcu(b), U_FOLD_CASE_DEFAULT);
-  return order;
+  const std::size_t common = std::min(a.size(), b.size());
+  for (std::size_t i = 0; i < common; ++i) {
+    if (a[i] >= 0x80 || b[i] >= 0x80) return ToIcu(a).caseCompare(ToIcu(b), U_FOLD_CASE_DEFAULT);
+    const char16_t x = AsciiLowerChar(a[i]);
+    const char16_t y = AsciiLowerChar(b[i]);
+    if (x != y) return x < y ? -1 : 1;
+  }
+  const StringView rest = a.size() > common ? a.substr(common) : b.substr(common);
+  for (char16_t c : rest) {
+    if (c >= 0x80) return ToIcu(a).caseCompare(ToIcu(b), U_FOLD_CASE_DEFAULT);
+  }
+  return a.size() == b.size() ? 0 : (a.size() < b.size() ? -1 : 1);
 }
 
 bool SameText(StringView a, StringView b) { return CompareText(a, b) == 0; }

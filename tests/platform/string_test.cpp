@@ -43,6 +43,17 @@ TEST(CaseMapping, UnicodeUpperCaseAndComparison) {
   EXPECT_GT(CompareText(u"b", u"A"), 0);
 }
 
+TEST(CaseMapping, AsciiAndUnicodeComparisonsAgreeOnOrder) {
+  // The ASCII fast path and ICU's folding must order the same way, also across the boundary.
+  EXPECT_LT(CompareText(u"TElement", u"TEntity"), 0);
+  EXPECT_EQ(CompareText(u"tnameelement", u"TNameElement"), 0);
+  EXPECT_LT(CompareText(u"abc", u"abcd"), 0);
+  EXPECT_GT(CompareText(u"abcč", u"ABC"), 0);
+  EXPECT_LT(CompareText(u"Z", u"č"), 0);
+  EXPECT_LT(CompareText(u"_", u"a"), 0);  // '_' sorts below the folded letters
+  EXPECT_EQ(CompareText(u"ŽLUŤ", u"žluť"), 0);
+}
+
 TEST(CaseMapping, AsciiUpperCaseFoldsOnlyLatinLetters) {
   EXPECT_EQ(AsciiUpperCase(u"name_č{z}"), u"NAME_č{Z}");
 }
