@@ -8,6 +8,7 @@
 #include "kernel/elements/message.h"
 #include "kernel/platform/application.h"
 #include "kernel/platform/exceptions.h"
+#include "kernel/platform/message_sink.h"
 #include "kernel/platform/object_handles.h"
 #include "kernel/platform/publisher.h"
 
@@ -119,6 +120,10 @@ TEST(ClassRegistry, UnknownNamesGiveNoneOrRaise) {
     EXPECT_EQ(error.Message(), u"Veska nenašel třídu xyz");
   }
   EXPECT_EQ(FindVeskaClass(u"telement"), &TElement::StaticClassInfo());
+
+  CapturedMessages captured;
+  EXPECT_EQ(CreateElementByName(u"Nic"), nullptr);
+  EXPECT_EQ(captured.Texts(), (std::vector<String>{u"Neregistrovaný element: Nic"}));
 }
 
 TEST(ClassRegistry, LibraryClassesAreRegisteredInUnitOrder) {
