@@ -1,6 +1,11 @@
-// The veska command-line program.
+// The veska command-line program: a small dispatcher over the commands of cli/.
 #include <cstdio>
+#include <exception>
 #include <string_view>
+
+#include "cli/class_commands.h"
+#include "kernel/platform/exceptions.h"
+#include "kernel/platform/string.h"
 
 namespace {
 
@@ -9,16 +14,36 @@ constexpr std::string_view kUsage =
     "\n"
     "commands:\n"
     "  version     print the library version\n"
+    "  classes     list the registered classes: ID, name, ancestor, property count, unit\n"
+    "  class NAME  list the properties of a class: index, name, type kind, access, stored\n"
     "  help        print this text\n";
 
-}  // namespace
+int Usage(std::FILE* out, int exit_code) {
+  std::fputs(kUsage.data(), out);
+  return exit_code;
+}
 
-int main(int argc, char** argv) {
+int Run(int argc, char** argv) {
   const std::string_view command = argc > 1 ? argv[1] : "help";
   if (command == "version" || command == "--version") {
     std::printf("veska %s\n", VESKA_VERSION_TEXT);
     return 0;
   }
-  std::fputs(kUsage.data(), command == "help" || command == "--help" ? stdout : stderr);
-  return command == "help" || command == "--help" ? 0 : 1;
+  if (command == "classes" && argc == 2) return veska::cli::ListClasses(stdout);
+  if (command == "class" && argc == 3) return veska::cli::ShowClass(argv[2], stdout, stderr);
+  if (command == "help" || command == "--help") return Usage(stdout, 0);
+  return Usage(stderr, 1);
+}
+
+}  // namespace
+
+int main(int argc, char** argv) {
+  try {
+    return Run(argc, argv);
+  } catch (const veska::Exception& error) {
+    std::fprintf(stderr, "error: %s\n", veska::ToUtf8(error.Message()).c_str());
+  } catch (const std::exception& error) {
+    std::fprintf(stderr, "error: %s\n", error.what());
+  }
+  return 1;
 }

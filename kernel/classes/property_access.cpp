@@ -24,13 +24,21 @@ std::optional<int64_t> ParseDecimal(StringView text) {
   const uint64_t limit = negative ? uint64_t{1} << 63 : (uint64_t{1} << 63) - 1;
   for (; i < end; ++i) {
     if (text[i] < u'0' || text[i] > u'9') return std::nullopt;
-    magnitude = magnitude * 10 + (text[i] - u'0');
-    if (magnitude > limit) return std::nullopt;
+    const auto digit = static_cast<uint64_t>(text[i] - u'0');
+    if (magnitude > (limit - digit) / 10) return std::nullopt;  // checked before it could wrap
+    magnitude = magnitude * 10 + digit;
   }
   return negative ? static_cast<int64_t>(0 - magnitude) : static_cast<int64_t>(magnitude);
 }
 
 int64_t DecimalOrZero(StringView text) { return ParseDecimal(text).value_or(0); }
+
+// A 32-bit integer property takes only numbers that fit it; any other text gives 0.
+int32_t Decimal32OrZero(StringView text) {
+  const int64_t value = DecimalOrZero(text);
+  using Limits = std::numeric_limits<int32_t>;
+  return value < Limits::min() || value > Limits::max() ? 0 : static_cast<int32_t>(value);
+}
 
 // An enumeration or set value from text: a decimal number as it stands, else a value name.
 int64_t OrdinalFromText(const TypeInfo& type, const String& text) {
@@ -75,7 +83,7 @@ const PropInfo* PropertyNamed(const TObject* object, StringView name) {
 void WriteFromText(TObject& object, const PropInfo& property, const String& text) {
   switch (property.Kind()) {
     case TTypeKind::tkInteger:
-      property.SetOrd(object, static_cast<int32_t>(DecimalOrZero(text)));
+      property.SetOrd(object, Decimal32OrZero(text));
       break;
     case TTypeKind::tkChar:
       property.SetOrd(object, text.empty() ? 0 : text[0] & 0xFF);
@@ -163,10 +171,13 @@ String FillWithData(const TObject* object, const PropInfo* property) {
         } catch (...) {
           return {};
         }
-      case TTypeKind::tkMethod: {
-        const TMethod method = property->GetMethod(*object);
-        return IntToStr(method.Code) + u";" + IntToStr(method.Data);
-      }
+      case TTypeKind::tkMethod:
+        try {
+          const TMethod method = property->GetMethod(*object);
+          return IntToStr(method.Code) + u";" + IntToStr(method.Data);
+        } catch (...) {
+          return {};  // a failed method read leaves the cleared result
+        }
       case TTypeKind::tkInt64:
         return IntToStr(property->GetOrd(*object));
       default:

@@ -113,8 +113,10 @@ void TVeskaClass::SelfCHeck() {
     if (!GetPropertyStored(i) || GetPropertyTypeKind(i) != TTypeKind::tkClass) continue;
     const ClassInfo* property_class = GetPropertyClass(i);
     if (property_class != nullptr && !property_class->InheritsFrom(TElement::StaticClassInfo())) {
-      PostTextMsg(tm_Text, GetElementClassName() + u" property \"" + GetPropertyName(i) + u"\" is not Element",
-                  nullptr);
+      // The report has no sender: it speaks of the class, not of this record.
+      auto* report = new TVeskaTextMessage(tm_Text, nullptr, nullptr, nullptr, false);
+      report->SetMessageText(GetElementClassName() + u" property \"" + GetPropertyName(i) + u"\" is not Element");
+      report->Post();
     }
   }
 }
@@ -299,8 +301,11 @@ void TVeskaClasses::AddClass(const ClassInfo& element_class) {
 
 TVeskaClass* TVeskaClasses::GetVeskaClassByName(const String& name) {
   int insert_index = -1;
-  const int index = FindIndex(name, insert_index);
+  int index = FindIndex(name, insert_index);
   if (index < 0) return nullptr;
+  // The search may land on any of several records of one name; the one registered first,
+  // which stands in front of the others, is the one that answers.
+  while (index > 0 && CompareText(name, Get(index - 1)->GetName()) == 0) --index;
   current_ = dynamic_cast<TVeskaClass*>(Get(index));
   return current_;
 }

@@ -1,0 +1,249 @@
+#include "kernel/classes/property_access.h"
+
+#include <gtest/gtest.h>
+
+#include <array>
+#include <memory>
+#include <random>
+
+#include "kernel/classes/registry.h"
+#include "kernel/elements/named.h"
+#include "kernel/platform/exceptions.h"
+#include "kernel/platform/message_sink.h"
+#include "kernel/platform/object_handles.h"
+#include "kernel/platform/publisher.h"
+
+namespace veska {
+
+enum class TTestMode : uint8_t { pmOff, pmSlow, pmFast };
+template <>
+struct EnumNames<TTestMode> {
+  static constexpr std::u16string_view TypeName = u"TTestMode";
+  static constexpr std::array<std::u16string_view, 3> Names{u"pmOff", u"pmSlow", u"pmFast"};
+};
+
+namespace {
+
+// One published property of every kind the text forms know, plus a read-only one and getters
+// that fail.
+class TAllKinds : public TPersistent {
+  VESKA_CLASS(TAllKinds, TPersistent, u"property_access_test")
+ public:
+  int32_t Int = 0;
+  char Ch = 0;
+  char16_t WCh = 0;
+  TTestMode Mode = TTestMode::pmOff;
+  TSet<TTestMode> Modes;
+  double Flt = 0;
+  ShortString Short;
+  AnsiString Ansi;
+  String Uni;
+  WideString Wide;
+  Variant Var;
+  TNameElement* Obj = nullptr;
+  TMethod Meth;
+  int64_t Big = 0;
+  bool Flag = false;
+
+  int32_t GetFixed() const { return 7; }
+  int32_t FailingOrdinal() const { throw ERangeError(u"ordinal read fails"); }
+  void SetFailing(int32_t) {}
+  double FailingFloat() const { throw EConvertError(u"float read fails"); }
+  void SetFailingFloat(double) {}
+  TMethod FailingMethod() const { throw EConvertError(u"method read fails"); }
+  void SetFailingMethod(TMethod) {}
+
+  static void Publish(Publisher<TAllKinds>& p) {
+    p.Property(u"Int", &TAllKinds::Int, &TAllKinds::Int);
+    p.Property(u"Ch", &TAllKinds::Ch, &TAllKinds::Ch);
+    p.Property(u"WCh", &TAllKinds::WCh, &TAllKinds::WCh);
+    p.Property(u"Mode", &TAllKinds::Mode, &TAllKinds::Mode);
+    p.Property(u"Modes", &TAllKinds::Modes, &TAllKinds::Modes);
+    p.Property(u"Flt", &TAllKinds::Flt, &TAllKinds::Flt);
+    p.Property(u"Short", &TAllKinds::Short, &TAllKinds::Short);
+    p.Property(u"Ansi", &TAllKinds::Ansi, &TAllKinds::Ansi);
+    p.Property(u"Uni", &TAllKinds::Uni, &TAllKinds::Uni);
+    p.Property(u"Wide", &TAllKinds::Wide, &TAllKinds::Wide);
+    p.Property(u"Var", &TAllKinds::Var, &TAllKinds::Var);
+    p.Property(u"Obj", &TAllKinds::Obj, &TAllKinds::Obj);
+    p.Property(u"Meth", &TAllKinds::Meth, &TAllKinds::Meth);
+    p.Property(u"Big", &TAllKinds::Big, &TAllKinds::Big);
+    p.Property(u"Flag", &TAllKinds::Flag, &TAllKinds::Flag);
+    p.Property(u"Fixed", &TAllKinds::GetFixed);
+    p.Property(u"BadOrd", &TAllKinds::FailingOrdinal, &TAllKinds::SetFailing);
+    p.Property(u"BadFlt", &TAllKinds::FailingFloat, &TAllKinds::SetFailingFloat);
+    p.Property(u"BadMeth", &TAllKinds::FailingMethod, &TAllKinds::SetFailingMethod);
+  }
+};
+
+TEST(PropertyAccess, TableIsDeclarationOrderWithKinds) {
+  TAllKinds o;
+  ASSERT_EQ(GetPropCount(&o), 19);
+  EXPECT_EQ(GetPropName(&o, 0), u"Int");
+  EXPECT_EQ(GetPropName(&o, 18), u"BadMeth");
+  EXPECT_EQ(GetPropName(&o, 19), u"");
+  constexpr std::array<int, 15> kKinds{1, 2, 9, 3, 6, 4, 5, 10, 18, 11, 12, 7, 8, 16, 3};
+  for (std::size_t i = 0; i < kKinds.size(); ++i) {
+    EXPECT_EQ(static_cast<int>(GetPropType(&o, static_cast<int>(i))), kKinds[i]) << i;
+  }
+  TObject plain;
+  EXPECT_EQ(GetPropCount(&plain), 0);
+  EXPECT_EQ(GetPropType(&plain, 0), TTypeKind::tkUnknown);
+  EXPECT_EQ(GetPropString(&plain, 0), u"");
+  EXPECT_EQ(GetPropString(nullptr, 0), u"");
+}
+
+TEST(PropertyAccess, NamesMatchCaseInsensitivelyAndEmptyNameFindsNothing) {
+  TAllKinds o;
+  o.Uni = u"x";
+  EXPECT_EQ(GetPropIndex(&o, u"uni"), 8);
+  EXPECT_EQ(GetPropIndex(&o, u"UNI"), 8);
+  EXPECT_EQ(GetPropIndex(&o, u"nothing"), -1);
+  EXPECT_EQ(GetPropIndex(&o, u""), -1);
+  EXPECT_EQ(GetPropStringByName(&o, u"uNi"), u"x");
+  EXPECT_EQ(GetPropStringByName(&o, u""), u"");
+  EXPECT_EQ(GetPropStringByName(&o, u"nothing"), u"");
+  EXPECT_FALSE(SetPropStringByName(&o, u"nothing", u"1"));
+  // Inherited properties come first: TNameElement's own Name follows TElement's ID.
+  TNameElement named;
+  EXPECT_EQ(GetPropIndex(&named, u"id"), 0);
+  EXPECT_EQ(GetPropIndex(&named, u"name"), 1);
+}
+
+TEST(PropertyAccess, EveryKindReadsAndWritesItsTextForm) {
+  TAllKinds o;
+  const auto write_read = [&](StringView name, const String& text) {
+    EXPECT_TRUE(SetPropStringByName(&o, name, text)) << ToUtf8(String(name));
+    return GetPropStringByName(&o, name);
+  };
+  EXPECT_EQ(write_read(u"Int", u"-42"), u"-42");
+  EXPECT_EQ(write_read(u"Int", u"abc"), u"0");
+  EXPECT_EQ(write_read(u"Int", u"4294967297"), u"0");  // beyond 32 bits is not an integer
+  EXPECT_EQ(write_read(u"Ch", u"řx"), u"Y");  // U+0159 cut to 8 bits is 0x59
+  EXPECT_EQ(write_read(u"Ch", u""), String(1, u'\0'));
+  EXPECT_EQ(write_read(u"WCh", u"€"), u"€");
+  EXPECT_EQ(write_read(u"WCh", u""), String(1, u'\0'));
+  EXPECT_EQ(write_read(u"Mode", u"2"), u"pmFast");
+  EXPECT_EQ(write_read(u"Mode", u"pmslow"), u"pmSlow");
+  EXPECT_EQ(write_read(u"Modes", u"5"), u"5");
+  EXPECT_EQ(write_read(u"Flt", u"2.5"), u"2.5");
+  EXPECT_EQ(write_read(u"Flt", u""), u"0");
+  EXPECT_EQ(write_read(u"Short", u"krátký"), u"krátký");
+  EXPECT_EQ(write_read(u"Ansi", u"dlouhý"), u"dlouhý");
+  EXPECT_EQ(write_read(u"Uni", u"Unicode ✓"), u"Unicode ✓");
+  EXPECT_EQ(write_read(u"Big", u"-9000000000"), u"-9000000000");
+  EXPECT_EQ(write_read(u"Big", u"12x"), u"0");
+  EXPECT_EQ(write_read(u"Flag", u"1"), u"True");
+  EXPECT_EQ(write_read(u"Flag", u"false"), u"False");
+  EXPECT_EQ(GetPropStringByName(&o, u"Meth"), u"0;0");
+  EXPECT_EQ(write_read(u"Meth", u"12;34"), u"12;34");
+  EXPECT_EQ(o.Meth, (TMethod{12, 34}));
+  EXPECT_EQ(write_read(u"Meth", u"56"), u"0;56");  // without ";" the whole text is the data part
+
+  // Wide strings and variants read empty and are never written.
+  o.Wide.Text = u"kept";
+  o.Var = int64_t{3};
+  EXPECT_EQ(write_read(u"Wide", u"new"), u"");
+  EXPECT_EQ(write_read(u"Var", u"4"), u"");
+  EXPECT_EQ(o.Wide.Text, u"kept");
+  EXPECT_EQ(std::get<int64_t>(o.Var), 3);
+}
+
+TEST(PropertyAccess, ObjectReferencesTravelAsHandleNumbers) {
+  TAllKinds o;
+  TNameElement target;
+  EXPECT_EQ(GetPropStringByName(&o, u"Obj"), u"0");
+  o.Obj = &target;
+  const String number = GetPropStringByName(&o, u"Obj");
+  EXPECT_NE(number, u"0");
+  o.Obj = nullptr;
+  ASSERT_TRUE(SetPropStringByName(&o, u"obj", number));
+  EXPECT_EQ(o.Obj, &target);
+  EXPECT_EQ(GetObjectPropByName(&o, u"OBJ"), &target);
+  // A number that names no object, or junk, gives none.
+  SetPropStringByName(&o, u"Obj", u"2000000000");
+  EXPECT_EQ(o.Obj, nullptr);
+  o.Obj = &target;
+  SetPropStringByName(&o, u"Obj", u"junk");
+  EXPECT_EQ(o.Obj, nullptr);
+  // An object of the wrong class is refused by the property.
+  TAllKinds other;
+  SetPropStringByName(&o, u"Obj", IntToStr(ObjectHandles::HandleOf(&other)));
+  EXPECT_EQ(o.Obj, nullptr);
+
+  EXPECT_TRUE(SetObjectPropByName(&o, u"Obj", &target));
+  EXPECT_EQ(o.Obj, &target);
+  EXPECT_FALSE(SetObjectPropByName(&o, u"Int", &target));
+  EXPECT_FALSE(SetObjectPropByName(&o, u"none", &target));
+  EXPECT_EQ(GetObjectPropByName(&o, u"Int"), nullptr);
+  EXPECT_EQ(GetObjectPropByName(&o, u"none"), nullptr);
+}
+
+TEST(PropertyAccess, ReadOnlyPropertyIsFoundButNotWritten) {
+  TAllKinds o;
+  EXPECT_TRUE(SetPropStringByName(&o, u"Fixed", u"99"));
+  EXPECT_EQ(GetPropStringByName(&o, u"Fixed"), u"7");
+}
+
+TEST(PropertyAccess, FailingReadsGiveErrorTextsAndFailingWritesAreReported) {
+  TAllKinds o;
+  EXPECT_EQ(GetPropStringByName(&o, u"BadOrd"), u"Err Ord Value");
+  EXPECT_EQ(GetPropStringByName(&o, u"BadFlt"), u"Err Value");
+  EXPECT_EQ(GetPropStringByName(&o, u"BadMeth"), u"");  // a failed method read leaves the text empty
+
+  CapturedMessages captured;
+  o.Flt = 1.5;
+  SetPropStringByName(&o, u"Flt", u"abc");
+  EXPECT_EQ(o.Flt, 1.5);
+  SetPropStringByName(&o, u"Mode", u"pmNone");
+  ASSERT_EQ(captured.Texts().size(), 2U);
+  EXPECT_EQ(captured.Texts()[0], u"Error filling property Flt by string abc");
+  EXPECT_EQ(captured.Texts()[1], u"Error filling property Mode by string pmNone");
+  EXPECT_EQ(captured.Entries()[0].Kind, MessageKind::Error);
+}
+
+TEST(PropertyAccess, HugeNumbersNeverWrapIntoSmallOnes) {
+  TAllKinds o;
+  SetPropStringByName(&o, u"Big", u"-92233720368547758085");
+  EXPECT_EQ(o.Big, 0);
+  SetPropStringByName(&o, u"Big", u"-9223372036854775808");
+  EXPECT_EQ(o.Big, INT64_MIN);
+  SetPropStringByName(&o, u"Big", u"9223372036854775808");
+  EXPECT_EQ(o.Big, 0);
+  SetPropStringByName(&o, u"Int", u"-922337203685477580805");
+  EXPECT_EQ(o.Int, 0);
+  SetPropStringByName(&o, u"Int", u"-2147483648");
+  EXPECT_EQ(o.Int, INT32_MIN);
+}
+
+TEST(PropertyAccess, RandomTextsWrittenToEveryPropertyNeverCrash) {
+  CapturedMessages captured;
+  std::mt19937 random(20261121);
+  constexpr std::array<StringView, 9> kJunk{u"", u";", u"-", u"+", u"1;", u";;;", u"pmFast", u"\uFFFF", u"  7  "};
+  TAllKinds all;
+  all.Wide.Text = u"never written";
+  TNameElement named;
+  TOwnerElement owner;
+  TVeskaClassProperty property;
+  TObject* const objects[] = {&all, &named, &owner, &property};
+  for (int round = 0; round < 300; ++round) {
+    for (TObject* object : objects) {
+      for (int i = 0; i < GetPropCount(object); ++i) {
+        String text;
+        switch (random() % 3) {
+          case 0: text = IntToStr(static_cast<int64_t>(random()) - static_cast<int64_t>(random()) * 4096); break;
+          case 1: text = String(kJunk[random() % kJunk.size()]); break;
+          default:
+            for (unsigned n = random() % 24; n > 0; --n) text += static_cast<char16_t>(random() % 0x10000);
+        }
+        SetPropString(object, i, text);
+        (void)GetPropString(object, i);
+      }
+    }
+  }
+  EXPECT_EQ(all.Wide.Text, u"never written");
+  EXPECT_TRUE(std::holds_alternative<std::monostate>(all.Var));
+}
+
+}  // namespace
+}  // namespace veska
