@@ -44,15 +44,15 @@ TElement* Named(const String& name) {
 TEST(EntityTest, NewEntityIsEmptyAndGetZeroGivesNone) {
   TEntity entity;
   EXPECT_TRUE(entity.NoElements());
+  EXPECT_EQ(entity.IndexOf(nullptr), -1);
+  EXPECT_EQ(entity.Get(0), nullptr);
   EXPECT_EQ(entity.ElementsCount(), 0);
   EXPECT_EQ(entity.GetLastIndex(), -1);
-  EXPECT_EQ(entity.Get(0), nullptr);
-  EXPECT_EQ(entity.IndexOf(nullptr), -1);
 
   TEntity fresh;
   EXPECT_EQ(fresh.GetPropertyIntByName(u"Count"), 0);
   EXPECT_EQ(fresh.GetPropertyIntByName(u"LastIndex"), -1);
-  EXPECT_THROW(entity.Get(1), EListError) << "an index past the end of an existing list";
+  EXPECT_THROW(entity.Get(0), EListError) << "an index past the end of a list that exists";
 }
 
 TEST(EntityTest, InsertIntoAnEntityThatNeverHeldAnythingTakesOnlyIndexZero) {
