@@ -345,8 +345,9 @@ void TEntity::Load(TReader& reader, TEntity* table) {
   TElement::Load(reader, table);
   reader.ReadListBegin();
   while (!reader.EndOfList()) {
+    // An empty slot was written as -1 (see Save): it reads back as none, which is not added.
     const int32_t number = reader.ReadInteger();
-    AddElement(table != nullptr ? table->Get(number) : nullptr);
+    AddElement(number >= 0 && table != nullptr ? table->Get(number) : nullptr);
   }
   reader.ReadListEnd();
 }

@@ -1,10 +1,14 @@
 #include <gtest/gtest.h>
 
+#include <memory>
+
 #include "kernel/elements/entity.h"
 #include "kernel/elements/message.h"
 #include "kernel/elements/named.h"
 #include "kernel/platform/exceptions.h"
 #include "kernel/platform/message_sink.h"
+#include "kernel/platform/streams.h"
+#include "kernel/platform/typed_value_stream.h"
 
 namespace veska {
 namespace {
@@ -307,6 +311,47 @@ TEST(EntityTest, CreateEnvelopeNamesItAndKeepsOwnedMembers) {
   ASSERT_EQ(as_entity->ElementsCount(), 1);
   EXPECT_EQ(as_entity->Get(0), owned);
   EXPECT_EQ(owned->GetOwnersCount(), 2);
+}
+
+TEST(EntityTest, CreateEnvelopeNeverSharesAMemberThatKeepsNoOwners) {
+  TEntity entity;
+  auto* plain = new TElement;
+  auto* sub = new TEntity;
+  sub->AddElement(new TOwnerElement);
+  entity.AddElement(plain);
+  entity.AddElement(sub);
+  std::unique_ptr<TElement> envelope(entity.CreateEnvelope());
+  auto* as_entity = dynamic_cast<TEntity*>(envelope.get());
+  ASSERT_NE(as_entity, nullptr);
+  EXPECT_EQ(as_entity->IndexOf(plain), -1) << "the envelope would free it a second time";
+  ASSERT_EQ(as_entity->ElementsCount(), 1);
+  auto* sub_envelope = dynamic_cast<TEntity*>(as_entity->Get(0));
+  ASSERT_NE(sub_envelope, nullptr);
+  EXPECT_NE(sub_envelope, sub);
+  EXPECT_EQ(sub_envelope->Get(0), sub->Get(0)) << "an owned member is shared, not wrapped";
+}
+
+TEST(EntityTest, SaveAndLoadKeepAnEmptySlotAsNone) {
+  TQuickEntity table;
+  auto* member = new TOwnerElement;
+  table.AddElement(member);
+  member->ID = 0;
+  TEntity holder;
+  holder.Put(0, nullptr);
+  holder.AddElement(member);
+  TMemoryStream stream;
+  {
+    TWriter writer(stream);
+    holder.Save(writer);
+  }
+  stream.Seek(0, TSeekOrigin::soBeginning);
+  TReader reader(stream);
+  EXPECT_EQ(reader.ReadString(), u"TEntity");
+  TEntity copy;
+  copy.Load(reader, &table);
+  ASSERT_EQ(copy.ElementsCount(), 1);
+  EXPECT_EQ(copy.Get(0), member);
+  table.Clear();
 }
 
 TEST(EntityTest, FailuresWhileFreeingAreReportedAndDoNotPropagate) {
