@@ -1,10 +1,12 @@
 #include <gtest/gtest.h>
 
 #include <memory>
+#include <vector>
 
 #include "kernel/classes/registry.h"
 #include "kernel/elements/named.h"
 #include "kernel/platform/exceptions.h"
+#include "kernel/platform/message_sink.h"
 #include "kernel/platform/streams.h"
 #include "kernel/platform/typed_value_stream.h"
 
@@ -201,6 +203,17 @@ TEST(OwnersTest, DestroyingAnOwnedEntityLeavesItsOwnersAndFreesItsMembers) {
   EXPECT_TRUE(second.NoElements());
   EXPECT_EQ(outside.Get(0), inner) << "a member held elsewhere survives";
   EXPECT_EQ(inner->GetOwnersCount(), 1);
+}
+
+TEST(OwnersTest, OwnedEntityReportsAnEmptyOwnerEntry) {
+  CapturedMessages captured;
+  auto* entity = new TOwnerEntity;
+  entity->SetName(u"uzel");
+  entity->AddOwner(nullptr);
+  EXPECT_EQ(entity->GetOwnerEntity(0), nullptr);
+  delete entity;
+  EXPECT_EQ(captured.Texts(), (std::vector<String>{u"TOwnerEntity(uzel).GetOwner: Objekt vlastníka je prázdný",
+                                                   u"TOwnerEntity.Destroy: Špatný vlastník"}));
 }
 
 TEST(OwnersTest, StringEntityPublishesItsValue) {
