@@ -80,8 +80,9 @@ void TElement::Save(TWriter& writer) {
 
 bool TElement::NoElements() const { return true; }
 
-// A plain element has nothing to wrap: it stands for itself.
-TElement* TElement::CreateEnvelope() { return this; }
+// A plain element has no envelope.  Standing for itself would put it, untracked, into a second
+// entity, and both holders would free it.
+TElement* TElement::CreateEnvelope() { return nullptr; }
 
 void TElement::HandleMessage(TVeskaMessage* /*message*/, bool& /*handled*/) {}
 

@@ -57,6 +57,7 @@ class TElement : public TPersistent {
   virtual void Load(TReader& reader, TEntity* table);
   virtual void Save(TWriter& writer);
   virtual bool NoElements() const;
+  // The envelope that stands for this element in a copy of its holder; none for a plain element.
   virtual TElement* CreateEnvelope();
 
   // Messages.

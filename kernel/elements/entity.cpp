@@ -119,17 +119,33 @@ void TEntity::FreeElementIndex(int index) {
   }
 }
 
+// Before a member of the walks below is freed, every slot that still holds it is emptied and
+// every owner entry naming this entity is dropped: its destructor then cannot reach back into
+// the list being walked, and a member listed twice is not freed twice.
+void TEntity::ForgetMember(TElement* member) {
+  for (int entries = member->GetOwnersCount(); entries > 0 && member->IsMyOwner(this); --entries) {
+    member->RemoveOwner(this);
+  }
+  for (int i = 0; i < elements_->Count(); ++i) {
+    if (elements_->Item(i) == member) elements_->Put(i, nullptr);
+  }
+}
+
 // Lets every member go: each is asked first whether it may be freed, then released from this
 // entity, then freed when it agreed.  Members that other holders keep survive.
 void TEntity::FreeAll() {
   if (NoElements()) return;
   try {
     for (int i = elements_->Count() - 1; i >= 0; --i) {
+      if (i >= elements_->Count()) continue;  // a freed member took others with it
       TElement* member = elements_->Item(i);
       if (member == nullptr) continue;
-      const bool may_free = member->IsPossibleToFree();
-      member->RemoveOwner(this);
-      if (may_free) delete member;
+      if (member->IsPossibleToFree()) {
+        ForgetMember(member);
+        delete member;
+      } else {
+        member->RemoveOwner(this);
+      }
     }
     elements_->Clear();
   } catch (const std::exception& error) {
@@ -142,9 +158,10 @@ void TEntity::HardFreeAll() {
   if (NoElements()) return;
   try {
     for (int i = elements_->Count() - 1; i >= 0; --i) {
+      if (i >= elements_->Count()) continue;
       TElement* member = elements_->Item(i);
       if (member == nullptr) continue;
-      member->RemoveOwner(this);
+      ForgetMember(member);
       delete member;
     }
     elements_->Clear();
@@ -328,8 +345,9 @@ void TEntity::Load(TReader& reader, TEntity* table) {
   TElement::Load(reader, table);
   reader.ReadListBegin();
   while (!reader.EndOfList()) {
+    // An empty slot was written as -1 (see Save): it reads back as none, which is not added.
     const int32_t number = reader.ReadInteger();
-    AddElement(table != nullptr ? table->Get(number) : nullptr);
+    AddElement(number >= 0 && table != nullptr ? table->Get(number) : nullptr);
   }
   reader.ReadListEnd();
 }

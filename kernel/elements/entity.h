@@ -84,6 +84,9 @@ class TEntity : public TElement {
   void InsertIntoList(int index, TElement* element, bool track_owner);
 
  private:
+  // Drops this entity from a member about to be freed by a walk, and empties its slots.
+  void ForgetMember(TElement* member);
+
   std::unique_ptr<TSuperList> elements_;
 };
 

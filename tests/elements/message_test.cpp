@@ -1,0 +1,265 @@
+#include <gtest/gtest.h>
+
+#include <vector>
+
+#include "kernel/elements/message.h"
+#include "kernel/elements/named.h"
+#include "kernel/platform/application.h"
+#include "kernel/platform/exceptions.h"
+#include "kernel/platform/message_sink.h"
+#include "kernel/platform/object_handles.h"
+
+namespace veska {
+namespace {
+
+// An element that tells when it is destroyed.
+class TWatchedElement : public TElement {
+  VESKA_CLASS(TWatchedElement, TElement, u"ElementTests")
+ public:
+  explicit TWatchedElement(bool* destroyed = nullptr) : destroyed_(destroyed) {}
+  ~TWatchedElement() override {
+    if (destroyed_ != nullptr) *destroyed_ = true;
+  }
+
+ private:
+  bool* destroyed_;
+};
+
+// What a delivered message carried, copied before the message is freed.
+struct Delivered {
+  int32_t Message;
+  TElement* Sender;
+  TElement* Receiver;
+  TElement* Data;
+  String Text;
+};
+
+// Installs a window procedure that takes every message of this library, records it and frees
+// it, as the world's dispatcher does; the previous procedure comes back afterwards.
+class RecordingWindow {
+ public:
+  RecordingWindow() {
+    previous_ = Application().SetWindowProc([this](TWindowMessage& message) {
+      TVeskaMessage* taken = TVeskaMessage::FromWindowMessage(message.Msg, message.WParam, message.LParam);
+      if (taken == nullptr) return false;
+      auto* text = dynamic_cast<TVeskaTextMessage*>(taken);
+      delivered.push_back({taken->Message, taken->Sender, taken->Receiver, taken->Data,
+                           text != nullptr ? text->GetMessageText() : String()});
+      delete taken;
+      return true;
+    });
+  }
+  ~RecordingWindow() {
+    Application().ClearMessages();
+    Application().SetWindowProc(previous_);
+  }
+  RecordingWindow(const RecordingWindow&) = delete;
+  RecordingWindow& operator=(const RecordingWindow&) = delete;
+
+  std::vector<Delivered> delivered;
+
+ private:
+  TWindowProc previous_;
+};
+
+// Replaces the window procedure by one that takes nothing.
+class DeafWindow {
+ public:
+  DeafWindow() : previous_(Application().SetWindowProc([](TWindowMessage&) { return false; })) {}
+  ~DeafWindow() { Application().SetWindowProc(previous_); }
+  DeafWindow(const DeafWindow&) = delete;
+  DeafWindow& operator=(const DeafWindow&) = delete;
+
+ private:
+  TWindowProc previous_;
+};
+
+// An owner that records the messages offered to it and may mark them handled or fail.
+class TListeningEntity : public TOwnerEntity {
+  VESKA_CLASS(TListeningEntity, TOwnerEntity, u"ElementTests")
+ public:
+  enum class Answer { Ignore, Handle, Fail };
+  Answer answer = Answer::Ignore;
+  std::vector<int32_t> heard;
+
+  void HandleMessage(TVeskaMessage* message, bool& handled) override {
+    heard.push_back(message->Message);
+    if (answer == Answer::Fail) throw Exception(u"selhání");
+    if (answer == Answer::Handle) handled = true;
+  }
+};
+
+TEST(MessageTest, ConstructorIgnoresKillDataButTheKillDataPropertyFreesTheData) {
+  bool destroyed = false;
+  auto* data = new TWatchedElement(&destroyed);
+  auto* message = new TVeskaMessage(tm_Done, nullptr, nullptr, data, true);
+  EXPECT_FALSE(message->KillData);
+  EXPECT_NE(message->Time, 0);
+  EXPECT_EQ(message->Data, data);
+  delete message;
+  EXPECT_FALSE(destroyed) << "the data still belongs to its creator";
+
+  message = new TVeskaMessage(tm_Done, nullptr, nullptr, data, false);
+  EXPECT_TRUE(message->SetPropertyBooleanByName(u"KillData", true));
+  EXPECT_TRUE(message->KillData);
+  delete message;
+  EXPECT_TRUE(destroyed);
+}
+
+TEST(MessageTest, WritingPostItPostsWithTheCurrentOrTheWrittenNumber) {
+  RecordingWindow window;
+  TElement sender;
+  auto* first = new TVeskaMessage(tm_EndTask, &sender, nullptr, nullptr, false);
+  EXPECT_TRUE(first->SetPropertyIntByName(u"PostIt", 0));
+  auto* second = new TVeskaMessage(tm_EndTask, &sender, nullptr, nullptr, false);
+  EXPECT_TRUE(second->SetPropertyIntByName(u"PostIt", 5));
+  EXPECT_TRUE(window.delivered.empty()) << "posting returns before delivery";
+  EXPECT_EQ(Application().PendingMessageCount(), 2u);
+
+  Application().ProcessMessages();
+  ASSERT_EQ(window.delivered.size(), 2u);
+  EXPECT_EQ(window.delivered[0].Message, tm_EndTask);
+  EXPECT_EQ(window.delivered[0].Sender, &sender);
+  EXPECT_EQ(window.delivered[1].Message, 5);
+
+  auto* sent = new TVeskaMessage(tm_StartTask, &sender, nullptr, nullptr, false);
+  EXPECT_TRUE(sent->SetPropertyIntByName(u"SendIt", 7));
+  ASSERT_EQ(window.delivered.size(), 3u) << "sending returns after delivery";
+  EXPECT_EQ(window.delivered[2].Message, 7);
+}
+
+TEST(MessageTest, APostedMessageNobodyTakesIsFreedWithItsData) {
+  bool destroyed = false;
+  {
+    DeafWindow window;
+    auto* message = new TVeskaMessage(tm_Done, nullptr, nullptr, new TWatchedElement(&destroyed), false);
+    message->KillData = true;
+    message->Post();
+    Application().ProcessMessages();
+    EXPECT_EQ(Application().PendingMessageCount(), 0u);
+  }
+  EXPECT_TRUE(destroyed);
+
+  // A sent message nobody takes goes the same way.
+  destroyed = false;
+  DeafWindow window;
+  auto* message = new TVeskaMessage(tm_Done, nullptr, nullptr, new TWatchedElement(&destroyed), false);
+  message->KillData = true;
+  message->Send();
+  EXPECT_TRUE(destroyed);
+}
+
+TEST(MessageTest, OnlyThisLibrarysWindowMessageCarriesAMessage) {
+  TVeskaMessage message;
+  const intptr_t handle = ObjectHandles::HandleOf(&message);
+  EXPECT_EQ(TVeskaMessage::FromWindowMessage(kVeskaWindowMessage, kVeskaMessageWParam, handle), &message);
+  EXPECT_EQ(TVeskaMessage::FromWindowMessage(kVeskaWindowMessage + 1, kVeskaMessageWParam, handle), nullptr);
+  EXPECT_EQ(TVeskaMessage::FromWindowMessage(kVeskaWindowMessage, 124, handle), nullptr);
+  EXPECT_EQ(TVeskaMessage::FromWindowMessage(kVeskaWindowMessage, kVeskaMessageWParam, 0), nullptr);
+  EXPECT_EQ(TVeskaMessage::FromWindowMessage(kVeskaWindowMessage, kVeskaMessageWParam, -5), nullptr);
+}
+
+TEST(MessageTest, MessagesToOwnersGoToEachOwnerWithTheSameData) {
+  RecordingWindow window;
+  TOwnerEntity first;
+  TOwnerEntity second;
+  auto* element = new TOwnerElement;
+  first.AddElement(element);
+  second.AddElement(element);
+  TElement data;
+
+  element->SendMsgToOwners(tm_StartTask, &data, false);
+  ASSERT_EQ(window.delivered.size(), 2u);
+  EXPECT_EQ(window.delivered[0].Receiver, &first);
+  EXPECT_EQ(window.delivered[1].Receiver, &second);
+  EXPECT_EQ(window.delivered[0].Sender, element);
+  EXPECT_EQ(window.delivered[1].Data, &data);
+
+  element->PostMsgToOwners(tm_Done, &data, false);
+  element->PostTextMsgToOwners(tm_Text, u"zpráva");
+  element->PostMsg(tm_QuitTask, &first, nullptr, false);
+  EXPECT_EQ(window.delivered.size(), 2u);
+  Application().ProcessMessages();
+  ASSERT_EQ(window.delivered.size(), 7u);
+  EXPECT_EQ(window.delivered[2].Message, tm_Done);
+  EXPECT_EQ(window.delivered[3].Receiver, &second);
+  EXPECT_EQ(window.delivered[4].Text, u"zpráva");
+  EXPECT_EQ(window.delivered[5].Receiver, &second);
+  EXPECT_EQ(window.delivered[6].Message, tm_QuitTask);
+}
+
+TEST(MessageTest, OwnersHandleMessageWithoutOwnersCountsAsHandled) {
+  TOwnerElement element;
+  TVeskaMessage message(tm_Done, nullptr, nullptr, nullptr, false);
+  bool handled = false;
+  element.OwnersHandleMessage(&message, handled);
+  EXPECT_TRUE(handled);
+
+  TElement plain;
+  handled = false;
+  plain.OwnersHandleMessage(&message, handled);
+  EXPECT_TRUE(handled);
+}
+
+TEST(MessageTest, OwnersHandleMessageReportsAFailingOwnerAndStopsAtTheOneThatHandles) {
+  CapturedMessages captured;
+  TListeningEntity failing;
+  TListeningEntity handling;
+  TListeningEntity last;
+  failing.answer = TListeningEntity::Answer::Fail;
+  handling.answer = TListeningEntity::Answer::Handle;
+  auto* element = new TOwnerElement;
+  failing.AddElement(element);
+  handling.AddElement(element);
+  last.AddElement(element);
+
+  TVeskaMessage message(42, nullptr, nullptr, nullptr, false);
+  bool handled = false;
+  element->OwnersHandleMessage(&message, handled);
+  EXPECT_TRUE(handled);
+  ASSERT_EQ(captured.Entries().size(), 1u);
+  EXPECT_EQ(captured.Entries()[0].Text, u"42");
+  EXPECT_EQ(captured.Entries()[0].Kind, MessageKind::Error);
+  EXPECT_EQ(handling.heard, std::vector<int32_t>{42});
+  EXPECT_TRUE(last.heard.empty());
+
+  // Nobody handles it: every owner hears it, and it counts as handled all the same.
+  handling.answer = TListeningEntity::Answer::Ignore;
+  failing.answer = TListeningEntity::Answer::Ignore;
+  handled = false;
+  element->OwnersHandleMessage(&message, handled);
+  EXPECT_TRUE(handled);
+  EXPECT_EQ(last.heard, std::vector<int32_t>{42});
+}
+
+TEST(MessageTest, EnvelopeHandsTheMessageToTheEntityItWraps) {
+  TListeningEntity wrapped;
+  wrapped.answer = TListeningEntity::Answer::Handle;
+  TEnvelopeEntity envelope;
+  envelope.AddOwner(&wrapped);
+  TVeskaMessage message(tm_EndTask, nullptr, &envelope, nullptr, false);
+  bool handled = false;
+  envelope.HandleMessage(&message, handled);
+  EXPECT_TRUE(handled);
+  EXPECT_EQ(message.Receiver, &wrapped);
+  EXPECT_EQ(wrapped.heard, std::vector<int32_t>{tm_EndTask});
+
+  // A plain entity does not pass messages down to its members.
+  TEntity holder;
+  holder.AddElement(&envelope);
+  handled = false;
+  holder.HandleMessage(&message, handled);
+  EXPECT_FALSE(handled);
+  holder.Clear();
+}
+
+TEST(MessageTest, TextMessagePublishesItsText) {
+  TVeskaTextMessage message(tm_Text, nullptr, nullptr, nullptr, false);
+  EXPECT_TRUE(message.SetPropertyStringByName(u"Text", u"ahoj"));
+  EXPECT_EQ(message.GetMessageText(), u"ahoj");
+  EXPECT_EQ(message.GetPropertyStringByName(u"Text"), u"ahoj");
+  EXPECT_EQ(message.GetPropertyIntByName(u"Message"), tm_Text);
+}
+
+}  // namespace
+}  // namespace veska
