@@ -100,6 +100,10 @@ class TElement : public TPersistent {
   virtual bool Life_Cycle_Start_Store() const;
   virtual bool Life_Cycle_End_Store() const;
 
+  // Whether the element records the entities that hold it (one entry per add), so that
+  // IsMyOwner tells whether an entity still lists it.  Plain elements do not.
+  virtual bool KeepsOwners() const { return false; }
+
   // A text message (number and text) posted from this element to the receiver.
   void PostTextMsg(int32_t message, const String& text, TElement* receiver);
   void PostTextMsgToOwners(int32_t message, const String& text);

@@ -1,5 +1,7 @@
 #include "kernel/elements/entity.h"
 
+#include <unordered_set>
+
 #include "kernel/classes/registry.h"
 #include "kernel/elements/message.h"
 #include "kernel/elements/named.h"
@@ -91,11 +93,17 @@ void TEntity::RemoveElementIndex(int index) {
 }
 
 void TEntity::FreeOrRelease(TElement* element) {
-  if (element->IsPossibleToFree()) {
-    delete element;
-  } else {
+  if (!element->IsPossibleToFree()) {
     element->RemoveOwner(this);
+    return;
   }
+  // A member that keeps its owners leaves every slot of this entity when it is destroyed; a
+  // plain one listed again must be taken out here, or its other slots would outlive it.
+  if (!element->KeepsOwners()) {
+    while (elements_->Remove(element) >= 0) {
+    }
+  }
+  delete element;
 }
 
 void TEntity::FreeElement(TElement* element) {
@@ -119,35 +127,34 @@ void TEntity::FreeElementIndex(int index) {
   }
 }
 
-// Before a member of the walks below is freed, every slot that still holds it is emptied and
-// every owner entry naming this entity is dropped: its destructor then cannot reach back into
-// the list being walked, and a member listed twice is not freed twice.
-void TEntity::ForgetMember(TElement* member) {
-  for (int entries = member->GetOwnersCount(); entries > 0 && member->IsMyOwner(this); --entries) {
+// Lets every member go, from the last to the first: each is asked first whether it may be freed
+// (unless the walk frees regardless), then released from this entity, then freed when it may
+// be.  Members that other holders keep survive.  A member listed in several slots is freed
+// once: before it goes, this entity drops all its owner entries in it, so its destructor does
+// not reach back into the list being walked, and it is remembered so that its earlier slots are
+// skipped.  Only members listed again are remembered, and plain members cannot tell.
+void TEntity::ReleaseMembers(bool ask_first) {
+  std::unordered_set<const TElement*> freed;
+  for (int i = elements_->Count() - 1; i >= 0; --i) {
+    if (i >= elements_->Count()) continue;  // a freed member took other members with it
+    TElement* member = elements_->Item(i);
+    if (member == nullptr || (!freed.empty() && freed.contains(member))) continue;
+    const bool may_free = !ask_first || member->IsPossibleToFree();
     member->RemoveOwner(this);
+    if (!may_free) continue;
+    if (!member->KeepsOwners() || member->IsMyOwner(this)) {
+      freed.insert(member);
+      while (member->IsMyOwner(this)) member->RemoveOwner(this);
+    }
+    delete member;
   }
-  for (int i = 0; i < elements_->Count(); ++i) {
-    if (elements_->Item(i) == member) elements_->Put(i, nullptr);
-  }
+  elements_->Clear();
 }
 
-// Lets every member go: each is asked first whether it may be freed, then released from this
-// entity, then freed when it agreed.  Members that other holders keep survive.
 void TEntity::FreeAll() {
   if (NoElements()) return;
   try {
-    for (int i = elements_->Count() - 1; i >= 0; --i) {
-      if (i >= elements_->Count()) continue;  // a freed member took others with it
-      TElement* member = elements_->Item(i);
-      if (member == nullptr) continue;
-      if (member->IsPossibleToFree()) {
-        ForgetMember(member);
-        delete member;
-      } else {
-        member->RemoveOwner(this);
-      }
-    }
-    elements_->Clear();
+    ReleaseMembers(true);
   } catch (const std::exception& error) {
     ShowMessage(GetName() + u" TEntity.FreeAll\r\n" + FromUtf8(error.what()), MessageKind::Error);
   }
@@ -157,14 +164,7 @@ void TEntity::FreeAll() {
 void TEntity::HardFreeAll() {
   if (NoElements()) return;
   try {
-    for (int i = elements_->Count() - 1; i >= 0; --i) {
-      if (i >= elements_->Count()) continue;
-      TElement* member = elements_->Item(i);
-      if (member == nullptr) continue;
-      ForgetMember(member);
-      delete member;
-    }
-    elements_->Clear();
+    ReleaseMembers(false);
   } catch (const std::exception& error) {
     ShowMessage(u"TEntity.HardFreeAll\r\n" + FromUtf8(error.what()), MessageKind::Error);
   }

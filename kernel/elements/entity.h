@@ -84,8 +84,8 @@ class TEntity : public TElement {
   void InsertIntoList(int index, TElement* element, bool track_owner);
 
  private:
-  // Drops this entity from a member about to be freed by a walk, and empties its slots.
-  void ForgetMember(TElement* member);
+  // The walk of FreeAll (ask_first) and HardFreeAll.
+  void ReleaseMembers(bool ask_first);
 
   std::unique_ptr<TSuperList> elements_;
 };

@@ -5,26 +5,63 @@
 
 namespace veska {
 
+int32_t OwnerList::Count() const {
+  if (std::holds_alternative<TEntity*>(owners_)) return 1;
+  if (const auto* list = std::get_if<std::unique_ptr<TSuperList>>(&owners_)) return (*list)->Count();
+  return 0;
+}
+
+TEntity* OwnerList::At(int index) const {
+  if (const auto* single = std::get_if<TEntity*>(&owners_)) {
+    if (index != 0) ListIndexError(index);
+    return *single;
+  }
+  if (const auto* list = std::get_if<std::unique_ptr<TSuperList>>(&owners_)) {
+    return static_cast<TEntity*>((*list)->Get(index));
+  }
+  ListIndexError(index);
+}
+
+// The first owner is held in place; a second one moves both into a list, which then stays.
+TSuperList& OwnerList::MakeList() {
+  if (auto* list = std::get_if<std::unique_ptr<TSuperList>>(&owners_)) return **list;
+  auto list = std::make_unique<TSuperList>();
+  if (auto* single = std::get_if<TEntity*>(&owners_)) list->Add(*single);
+  TSuperList& made = *list;
+  owners_ = std::move(list);
+  return made;
+}
+
 void OwnerList::Add(TEntity* entity) {
-  if (!list_) list_ = std::make_unique<TSuperList>();
-  list_->Add(entity);
+  if (std::holds_alternative<std::monostate>(owners_)) {
+    owners_ = entity;
+  } else {
+    MakeList().Add(entity);
+  }
 }
 
 // Index 0 means the end of the list, not its front: deliberately, as it always did.
 void OwnerList::Put(int index, TEntity* entity) {
-  if (!list_) list_ = std::make_unique<TSuperList>();
   if (index == 0) {
-    list_->Add(entity);
+    Add(entity);
   } else {
-    list_->Insert(index, entity);
+    MakeList().Insert(index, entity);
   }
 }
 
 void OwnerList::Remove(const TEntity* entity) {
-  if (Count() > 0) list_->Remove(const_cast<TEntity*>(entity));
+  if (const auto* single = std::get_if<TEntity*>(&owners_)) {
+    if (*single == entity) owners_ = std::monostate{};
+  } else if (auto* list = std::get_if<std::unique_ptr<TSuperList>>(&owners_)) {
+    (*list)->Remove(const_cast<TEntity*>(entity));
+  }
 }
 
-bool OwnerList::Contains(const TEntity* entity) const { return Count() > 0 && list_->IndexOf(entity) >= 0; }
+bool OwnerList::Contains(const TEntity* entity) const {
+  if (const auto* single = std::get_if<TEntity*>(&owners_)) return *single == entity;
+  if (const auto* list = std::get_if<std::unique_ptr<TSuperList>>(&owners_)) return (*list)->IndexOf(entity) >= 0;
+  return false;
+}
 
 namespace {
 

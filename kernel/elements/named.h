@@ -2,24 +2,29 @@
 #pragma once
 
 #include <memory>
+#include <variant>
 
 #include "kernel/elements/entity.h"
 
 namespace veska {
 
-// The owner bookkeeping shared by TOwnerElement and TOwnerEntity: a list of owner entities,
-// created on first use; duplicates are kept, one entry per add.
+// The owner bookkeeping shared by TOwnerElement and TOwnerEntity: the owner entities in the
+// order they were added, duplicates kept, one entry per add.  Most elements have exactly one
+// owner, so that one is held in place and a list is made only for a second.
 class OwnerList {
  public:
-  int32_t Count() const { return list_ ? list_->Count() : 0; }
-  TEntity* At(int index) const { return static_cast<TEntity*>(list_->Get(index)); }
+  int32_t Count() const;
+  TEntity* At(int index) const;
   void Add(TEntity* entity);
+  // Index 0 appends; any other index inserts before that position.
   void Put(int index, TEntity* entity);
-  void Remove(const TEntity* entity);
+  void Remove(const TEntity* entity);  // the first entry equal to entity
   bool Contains(const TEntity* entity) const;
 
  private:
-  std::unique_ptr<TSuperList> list_;
+  TSuperList& MakeList();
+
+  std::variant<std::monostate, TEntity*, std::unique_ptr<TSuperList>> owners_;
 };
 
 class TNameElement : public TElement {
@@ -50,6 +55,7 @@ class TOwnerElement : public TNameElement {
   bool NoOwners() const override;
   TEntity* FindOwnerClass(const ClassInfo& cls) const override;
   TEntity* FindOwnerName(const String& name) const override;
+  bool KeepsOwners() const override { return true; }
 
  private:
   OwnerList owners_;
@@ -83,6 +89,7 @@ class TOwnerEntity : public TNameEntity {
   bool NoOwners() const override;
   TEntity* FindOwnerClass(const ClassInfo& cls) const override;
   TEntity* FindOwnerName(const String& name) const override;
+  bool KeepsOwners() const override { return true; }
 
   // The member of that name (case ignored), or a new element of the class inserted in name
   // order; an empty name stands for "no name".
