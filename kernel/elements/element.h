@@ -82,6 +82,15 @@ class TElement : public TPersistent {
   virtual void ResetID();
   virtual void ResetIDs();
 
+  // Path commands (path_commands.cpp): a chain of object-valued properties and member searches
+  // that starts at this element.  The text of the final property; a new string list that the
+  // caller owns; the object reached.  That object is a TObject, not an element, because an
+  // object-valued property may hold any object with published properties; it may be none.
+  // Every syntax or navigation error raises Exception.
+  virtual String ExecuteCommandLine(const String& Command);
+  virtual TStringList* ExecuteCommandLineToList(const String& Command);
+  virtual TObject* ExecuteCommandLineToElement(const String& Command);
+
   // Published properties by name, as text and typed.
   virtual bool HasPropertyByName(const String& name) const;
   virtual String GetPropertyStringByName(const String& name) const;
