@@ -209,7 +209,7 @@ void TVeskaInstance::SetPropertyValue(int index, const TPropertyBuffer& buffer) 
 
 TElement* TVeskaInstance::CreateInstanceCopy() const {
   if (instance_ == nullptr || ElementClass() == nullptr) return nullptr;
-  auto* copy = dynamic_cast<TElement*>(ElementClass()->Create());
+  auto* copy = CreateObjectAs<TElement>(*ElementClass());
   if (copy == nullptr) return nullptr;
   TVeskaInstance writer;
   writer.SetInstance(copy);
@@ -231,6 +231,19 @@ void TVeskaClasses::Publish(Publisher<TVeskaClasses>& p) {
 
 void TVeskaClasses::SetSortByName(bool /*value*/) {}
 
+namespace {
+
+// Compares a name with a member's name.  Class records are compared with their stored name in
+// place: the search runs on every creation by class name, and copying names dominated it.
+int CompareWithName(const String& name, const TElement* member) {
+  if (member->ClassType().InheritsFrom(TVeskaClass::StaticClassInfo())) {
+    if (const String* stored = static_cast<const TVeskaClass*>(member)->StoredName()) return CompareText(name, *stored);
+  }
+  return CompareText(name, member->GetName());
+}
+
+}  // namespace
+
 // A binary search that tests the last record first and the first record second, so that
 // names registered in ascending order cost one comparison each.  An equal name found at the
 // end is appended behind it; a duplicate is thereby kept behind the record found first.
@@ -239,7 +252,7 @@ int TVeskaClasses::FindIndex(const String& name, int& insert_index) {
   if (NoElements()) return -1;
   int lo = 0;
   int hi = ElementsCount() - 1;
-  const auto compare = [&](int index) { return CompareText(name, Get(index)->GetName()); };
+  const auto compare = [&](int index) { return CompareWithName(name, Get(index)); };
   int order = compare(hi);
   if (order > 0) return -1;
   if (order == 0) return hi;
@@ -305,8 +318,8 @@ TVeskaClass* TVeskaClasses::GetVeskaClassByName(const String& name) {
   if (index < 0) return nullptr;
   // The search may land on any of several records of one name; the one registered first,
   // which stands in front of the others, is the one that answers.
-  while (index > 0 && CompareText(name, Get(index - 1)->GetName()) == 0) --index;
-  current_ = dynamic_cast<TVeskaClass*>(Get(index));
+  while (index > 0 && CompareWithName(name, Get(index - 1)) == 0) --index;
+  current_ = ObjectAs<TVeskaClass>(Get(index));
   return current_;
 }
 
@@ -357,7 +370,7 @@ TElement* CreateElementByName(const String& name) {
   const ClassInfo* cls = GetVeskaClass(name);
   if (cls == nullptr) cls = GetVeskaClass(u"T" + name);
   if (cls != nullptr) {
-    if (auto* element = dynamic_cast<TElement*>(cls->Create())) return element;
+    if (auto* element = CreateObjectAs<TElement>(*cls)) return element;
   }
   ShowMessage(u"Neregistrovaný element: " + name, MessageKind::Error);
   return nullptr;

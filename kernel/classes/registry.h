@@ -62,6 +62,9 @@ class TVeskaClass : public TOwnerEntity {
   bool GetPropertyIsReadOrWriteOnly(int index) const;
   bool IsClassName(const String& name) const;
 
+  // The record's own name, or none when it has none and GetName gives the class name.
+  const String* StoredName() const { return FName.empty() ? nullptr : &FName; }
+
   String GetElementClassName() const;
   String GetAncestorClassName() const;
   String GetUnit_Name() const;

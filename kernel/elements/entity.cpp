@@ -182,7 +182,7 @@ void TEntity::Clear() {
 TElement* TEntity::CreateElement(const String& class_name, const String& name) {
   const ClassInfo* cls = GetVeskaClass(class_name);
   if (cls == nullptr) return nullptr;
-  auto* element = dynamic_cast<TElement*>(cls->Create());
+  auto* element = CreateObjectAs<TElement>(*cls);
   if (element == nullptr) return nullptr;
   element->SetName(name);
   AddElement(element);
@@ -221,7 +221,7 @@ void TEntity::SetFreeAllFrom(TElement* source) {
 
 TElement* TEntity::FindOrCreateElementName(const ClassInfo& cls, const String& name) {
   if (TElement* found = FindElementName(name)) return found;
-  auto* element = dynamic_cast<TElement*>(cls.Create());
+  auto* element = CreateObjectAs<TElement>(cls);
   if (element == nullptr) return nullptr;
   element->SetName(name);
   AddElement(element);
@@ -353,7 +353,7 @@ void TEntity::Load(TReader& reader, TEntity* table) {
 }
 
 TElement* TEntity::CreateEnvelope() {
-  auto* envelope = dynamic_cast<TEntity*>(ClassType().Create());
+  auto* envelope = CreateObjectAs<TEntity>(ClassType());
   if (envelope == nullptr) return nullptr;
   envelope->SetName(u"Obálka: " + GetName());
   if (elements_) {

@@ -215,7 +215,7 @@ TEntity* TOwnerEntity::FindOwnerName(const String& name) const {
 TElement* TOwnerEntity::CreateSubEntity(const ClassInfo& cls, const String& name) {
   const String wanted = name.empty() ? String(u"no name") : name;
   if (TElement* found = FindElementName(wanted)) return found;
-  auto* element = dynamic_cast<TElement*>(cls.Create());
+  auto* element = CreateObjectAs<TElement>(cls);
   if (element == nullptr) return nullptr;
   element->SetName(wanted);
   InsertNameSortedEntity(element);

@@ -58,6 +58,18 @@ class TObject {
   int32_t handle_ = 0;  // the object's number in the handle table; 0 until it needs one
 };
 
+// The object as a T, or none when it is none or of another class.  A check of the run-time
+// class followed by a static cast: cheaper than dynamic_cast where it runs per element.
+template <class T>
+T* ObjectAs(TObject* object) {
+  return object != nullptr && object->Is<T>() ? static_cast<T*>(object) : nullptr;
+}
+
+// A new object of the class through its virtual constructor, as a T; none when the class
+// cannot be created or is not a T (nothing is created then).
+template <class T>
+T* CreateObjectAs(const ClassInfo& cls);
+
 // The persistent base of the platform: TObject with the assignment protocol.
 class TPersistent : public TObject {
  public:
@@ -113,5 +125,11 @@ class ClassInfo {
   std::deque<PropInfo> own_properties_;  // a deque keeps the records at fixed addresses
   std::vector<const PropInfo*> all_properties_;
 };
+
+template <class T>
+T* CreateObjectAs(const ClassInfo& cls) {
+  if (!cls.InheritsFrom(T::StaticClassInfo())) return nullptr;
+  return static_cast<T*>(cls.Create());
+}
 
 }  // namespace veska
