@@ -352,11 +352,29 @@ void TEntity::Load(TReader& reader, TEntity* table) {
   reader.ReadListEnd();
 }
 
+namespace {
+
+// Envelopes of members without owners nest as deep as the tree; a tree with a cycle of such
+// members would nest for ever.  Beyond this depth a member gets no envelope.
+constexpr int kMaxEnvelopeDepth = 1000;
+thread_local int envelope_depth = 0;
+
+struct EnvelopeLevel {
+  EnvelopeLevel() { ++envelope_depth; }
+  ~EnvelopeLevel() { --envelope_depth; }
+  EnvelopeLevel(const EnvelopeLevel&) = delete;
+  EnvelopeLevel& operator=(const EnvelopeLevel&) = delete;
+};
+
+}  // namespace
+
 TElement* TEntity::CreateEnvelope() {
+  if (envelope_depth >= kMaxEnvelopeDepth) return nullptr;
   auto* envelope = CreateObjectAs<TEntity>(ClassType());
   if (envelope == nullptr) return nullptr;
   envelope->SetName(u"Obálka: " + GetName());
   if (elements_) {
+    const EnvelopeLevel level;
     for (void* item : *elements_) {
       auto* member = static_cast<TElement*>(item);
       if (member == nullptr) continue;

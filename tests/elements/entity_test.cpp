@@ -331,6 +331,24 @@ TEST(EntityTest, CreateEnvelopeNeverSharesAMemberThatKeepsNoOwners) {
   EXPECT_EQ(sub_envelope->Get(0), sub->Get(0)) << "an owned member is shared, not wrapped";
 }
 
+TEST(EntityTest, CreateEnvelopeEndsOnACycleOfEntitiesWithoutOwners) {
+  TEntity first;
+  TEntity second;
+  first.AddElement(&second);
+  second.AddElement(&first);
+  std::unique_ptr<TElement> envelope(first.CreateEnvelope());
+  ASSERT_NE(envelope, nullptr);
+  int depth = 0;
+  for (auto* level = dynamic_cast<TEntity*>(envelope.get()); level != nullptr && level->ElementsCount() > 0;
+       level = dynamic_cast<TEntity*>(level->Get(0))) {
+    ++depth;
+  }
+  EXPECT_GT(depth, 1);
+  EXPECT_LE(depth, 1000);
+  first.Clear();  // the two hold each other; neither may free the other on the way out
+  second.Clear();
+}
+
 TEST(EntityTest, SaveAndLoadKeepAnEmptySlotAsNone) {
   TQuickEntity table;
   auto* member = new TOwnerElement;
