@@ -3,10 +3,15 @@
 // a text file), TPropertyList (entries that name properties of another element and receive
 // their values) and TIntegerListElement (whole numbers, optionally kept sorted).
 //
-// Entries are the list's members.  The lists create only string elements (integer elements for
+// Entries are the list's members.  An entry's name is its element Name, so an entry added
+// without a name reports its class name ("TStringElement") in the whole-list texts and files and
+// is found under it.  The lists create only string elements (integer elements for
 // TIntegerListElement), but the generic entity operations can put any element in: a member
 // that is not a typed value element reads as empty text or 0 and ignores writes, and the
 // by-name operations only see string elements.
+//
+// Splitting uses StringAsTwoParams, which raises ERangeError when a separator stands beyond
+// position 255 of the text still to split; the parts before it are already added.
 #pragma once
 
 #include <cstdint>
