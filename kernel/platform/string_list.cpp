@@ -99,6 +99,28 @@ void WriteFileBytes(const String& file_name, std::string_view bytes) {
 
 }  // namespace
 
+TStringList::TStringList(TStringList&& other) noexcept
+    : TPersistent(),
+      items_(std::move(other.items_)),
+      sorted_(other.sorted_),
+      case_sensitive_(other.case_sensitive_),
+      duplicates_(other.duplicates_),
+      delimiter_(other.delimiter_),
+      quote_char_(other.quote_char_),
+      strict_delimiter_(other.strict_delimiter_) {}
+
+TStringList& TStringList::operator=(TStringList&& other) noexcept {
+  if (this == &other) return *this;
+  items_ = std::move(other.items_);
+  sorted_ = other.sorted_;
+  case_sensitive_ = other.case_sensitive_;
+  duplicates_ = other.duplicates_;
+  delimiter_ = other.delimiter_;
+  quote_char_ = other.quote_char_;
+  strict_delimiter_ = other.strict_delimiter_;
+  return *this;
+}
+
 void TStringList::CheckIndex(int index) const {
   if (index < 0 || index >= Count()) ListIndexError(index);
 }

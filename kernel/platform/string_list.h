@@ -4,10 +4,14 @@
 // bounds (<index>)".  Lines are compared as the platform's string list compared them: ignoring
 // case by default (CompareText, Unicode case folding), or ordinally when CaseSensitive is set.
 // That comparison serves IndexOf, IndexOfName, Values, Find and the sorting of a sorted list.
+//
+// The list is an object of the object model (it publishes nothing) so that element properties
+// of class kind can take it, as the list elements' NextStringList does.
 #pragma once
 
 #include <vector>
 
+#include "kernel/platform/publisher.h"
 #include "kernel/platform/string.h"
 
 namespace veska {
@@ -18,8 +22,14 @@ enum class TDuplicates { Ignore, Accept, Error };
 // The 8-bit or Unicode form of a text file written by SaveToFile.
 enum class TTextEncoding { Win1250, Utf8 };
 
-class TStringList {
+class TStringList : public TPersistent {
+  VESKA_CLASS(TStringList, TPersistent, u"Classes")
  public:
+  TStringList() = default;
+  // A list can be handed on by value; the new object has its own identity (object handle).
+  TStringList(TStringList&& other) noexcept;
+  TStringList& operator=(TStringList&& other) noexcept;
+
   int Count() const noexcept { return static_cast<int>(items_.size()); }
 
   const String& Get(int index) const;

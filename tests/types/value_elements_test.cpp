@@ -1,0 +1,417 @@
+#include <gtest/gtest.h>
+
+#include <cmath>
+#include <limits>
+#include <memory>
+
+#include "kernel/platform/date_time.h"
+#include "kernel/platform/exceptions.h"
+#include "kernel/platform/object_handles.h"
+#include "kernel/types/type_elements.h"
+
+namespace veska {
+namespace {
+
+std::unique_ptr<TTypeElement> Copy(const TTypeElement& element) { return std::unique_ptr<TTypeElement>(element.SelfCopy()); }
+
+TEST(BooleanElement, TextIsLowerCaseAndOnlyTrueOrFalseInAnyCaseIsTaken) {
+  TBooleanElement element;
+  EXPECT_EQ(element.GetAsString(), u"false");
+  element.SetAsString(u"True");
+  EXPECT_TRUE(element.GetAsBoolean());
+  EXPECT_EQ(element.GetAsString(), u"true");
+  element.SetAsString(u"yes");
+  EXPECT_TRUE(element.GetAsBoolean());
+  element.SetAsString(u"fAlSe");
+  EXPECT_FALSE(element.GetAsBoolean());
+  element.SetAsString(u"1");
+  EXPECT_FALSE(element.GetAsBoolean());
+
+  element.SetAsByte(9);
+  EXPECT_EQ(element.GetAsByte(), 1);
+  element.SetAsByte(0);
+  EXPECT_FALSE(element.GetAsBoolean());
+
+  // Views the class does not support keep the base behaviour.
+  element.SetAsBoolean(true);
+  EXPECT_EQ(element.GetAsInteger(), 0);
+  element.SetAsInteger(0);
+  EXPECT_TRUE(element.GetAsBoolean());
+}
+
+TEST(CharElement, IntegerWritesTakeOnlyCodesOneTo255) {
+  TCharElement element(u'z');
+  element.SetAsInteger(0);
+  EXPECT_EQ(element.GetAsChar(), u'z');
+  element.SetAsInteger(256);
+  element.SetAsNativeInt(-65);
+  EXPECT_EQ(element.GetAsChar(), u'z');
+  element.SetAsInteger(65);
+  EXPECT_EQ(element.GetAsString(), u"A");
+
+  element.SetAsChar(u'\xFFFF');
+  EXPECT_EQ(element.GetAsInteger(), 65535);
+  EXPECT_EQ(element.GetAsNativeInt(), 65535);
+}
+
+TEST(CharElement, ByteOfACodeAbove255RaisesTheRangeError) {
+  TCharElement element(u'\x00FF');
+  EXPECT_EQ(element.GetAsByte(), 255);
+  element.SetAsChar(u'\x0100');
+  EXPECT_THROW(element.GetAsByte(), ERangeError);
+  element.SetAsByte(66);
+  EXPECT_EQ(element.GetAsChar(), u'B');
+}
+
+TEST(CharElement, TextTakesTheFirstCharacterAndEmptyTextChangesNothing) {
+  TCharElement element(u"c", u'q');
+  element.SetAsString(u"");
+  EXPECT_EQ(element.GetAsChar(), u'q');
+  element.SetAsString(u"čau");
+  EXPECT_EQ(element.GetAsChar(), u'č');
+}
+
+TEST(ByteElement, TextWrapsWhileIntegerIgnoresOutOfRange) {
+  TByteElement element(5);
+  element.SetAsString(u"300");
+  EXPECT_EQ(element.GetAsByte(), 44);
+  element.SetAsString(u"-1");
+  EXPECT_EQ(element.GetAsByte(), 255);
+  element.SetAsString(u"12abc");
+  EXPECT_EQ(element.GetAsByte(), 255);
+
+  element.SetAsInteger(300);
+  EXPECT_EQ(element.GetAsInteger(), 255);
+  element.SetAsInteger(-1);
+  element.SetAsNativeInt(256);
+  EXPECT_EQ(element.GetAsInteger(), 255);
+  element.SetAsInteger(0);
+  EXPECT_EQ(element.GetAsString(), u"0");
+}
+
+TEST(ByteElement, FloatIsTruncatedTowardZeroAndOutOfRangeIgnored) {
+  TByteElement element;
+  element.SetAsFloat(255.9);
+  EXPECT_EQ(element.GetAsByte(), 255);
+  element.SetAsFloat(-0.5);
+  EXPECT_EQ(element.GetAsByte(), 0);
+  element.SetAsFloat(7.99);
+  EXPECT_EQ(element.GetAsByte(), 7);
+  element.SetAsFloat(256.0);
+  element.SetAsFloat(-1.0);
+  element.SetAsFloat(std::numeric_limits<double>::quiet_NaN());
+  element.SetAsFloat(std::numeric_limits<double>::infinity());
+  EXPECT_EQ(element.GetAsByte(), 7);
+  EXPECT_EQ(element.GetAsFloat(), 7.0);
+}
+
+TEST(ByteElement, CharAbove255RaisesAndKeepsTheValue) {
+  TByteElement element(1);
+  element.SetAsChar(u'\x00E9');
+  EXPECT_EQ(element.GetAsByte(), 0xE9);
+  EXPECT_EQ(element.GetAsChar(), u'\x00E9');
+  EXPECT_THROW(element.SetAsChar(u'\x0100'), ERangeError);
+  EXPECT_EQ(element.GetAsByte(), 0xE9);
+
+  element.SetAsBoolean(true);
+  EXPECT_EQ(element.GetAsByte(), 1);
+  element.SetAsBoolean(false);
+  EXPECT_FALSE(element.GetAsBoolean());
+}
+
+TEST(FloatElement, TextIsScientificAndReadsBack) {
+  TFloatElement element(1.5);
+  EXPECT_EQ(element.GetAsString(), u" 1.50000000000000E+0000");
+  element.SetAsString(u"-2.5E-7");
+  EXPECT_DOUBLE_EQ(element.GetAsFloat(), -2.5e-7);
+  element.SetAsFloat(123.25);
+  const String text = element.GetAsString();
+  element.SetAsFloat(0);
+  element.SetAsString(text);
+  EXPECT_EQ(element.GetAsFloat(), 123.25);
+
+  element.SetAsString(u"not a number");
+  EXPECT_EQ(element.GetAsFloat(), 123.25);
+  EXPECT_EQ(element.GetAsDateTime(), 123.25);
+}
+
+TEST(FloatElement, IntegerTruncatesTowardZeroAndGivesZeroBeyond32Bits) {
+  TFloatElement element(-2.7);
+  EXPECT_EQ(element.GetAsInteger(), -2);
+  element.SetAsFloat(2.7);
+  EXPECT_EQ(element.GetAsNativeInt(), 2);
+  element.SetAsFloat(3e9);
+  EXPECT_EQ(element.GetAsInteger(), 0);
+  element.SetAsFloat(std::numeric_limits<double>::quiet_NaN());
+  EXPECT_EQ(element.GetAsInteger(), 0);
+  element.SetAsInteger(-17);
+  EXPECT_EQ(element.GetAsFloat(), -17.0);
+}
+
+TEST(StringElement, BooleanReadsNumbersTrueAndAno) {
+  TStringElement element;
+  const std::vector<std::pair<String, bool>> cases = {
+      {u"0.0", false}, {u"2", true},     {u"-0.5", true},  {u"ano", true}, {u"Ano", true},
+      {u"TRUE", true}, {u"true", true},  {u"x", false},    {u"", false},   {u"yes", false},
+      {u"FALSE", false}};
+  for (const auto& [text, expected] : cases) {
+    element.SetAsString(text);
+    EXPECT_EQ(element.GetAsBoolean(), expected) << ToUtf8(text);
+  }
+}
+
+TEST(StringElement, BooleanWritesUpperCaseUnlikeTheBooleanElement) {
+  TStringElement text;
+  TBooleanElement flag;
+  text.SetAsBoolean(true);
+  flag.SetAsBoolean(true);
+  EXPECT_EQ(text.GetAsString(), u"TRUE");
+  EXPECT_EQ(flag.GetAsString(), u"true");
+  text.SetAsBoolean(false);
+  flag.SetAsBoolean(false);
+  EXPECT_EQ(text.GetAsString(), u"FALSE");
+  EXPECT_EQ(flag.GetAsString(), u"false");
+}
+
+TEST(StringElement, NumbersReadQuietlyAndWriteInTheGeneralForm) {
+  TStringElement element(u" 42 ");
+  EXPECT_EQ(element.GetAsInteger(), 42);
+  element.SetAsString(u"12abc");
+  EXPECT_EQ(element.GetAsInteger(), 0);
+  EXPECT_EQ(element.GetAsFloat(), 0.0);
+  element.SetAsString(u"99999999999");
+  EXPECT_EQ(element.GetAsNativeInt(), 0);
+
+  element.SetAsInteger(-7);
+  EXPECT_EQ(element.GetAsString(), u"-7");
+  element.SetAsFloat(1.5);
+  EXPECT_EQ(element.GetAsString(), u"1.5");
+  EXPECT_EQ(element.GetAsFloat(), 1.5);
+  element.SetAsFloat(1e20);
+  EXPECT_EQ(element.GetAsString(), u"1E20");
+}
+
+TEST(StringElement, NameIsValueSplitsNameAndValue) {
+  TStringElement element(u"old", u"v");
+  element.SetNameIsValue(u" a = b ");
+  EXPECT_EQ(element.GetName(), u"a");
+  EXPECT_EQ(element.GetAsString(), u"b");
+  EXPECT_EQ(element.GetNameIsValue(), u"a=b");
+
+  // Without a value part only the value changes.
+  element.SetNameIsValue(u"plain");
+  EXPECT_EQ(element.GetName(), u"a");
+  EXPECT_EQ(element.GetAsString(), u"plain");
+  element.SetNameIsValue(u"c=");
+  EXPECT_EQ(element.GetName(), u"a");
+  EXPECT_EQ(element.GetAsString(), u"c");
+
+  // Empty text and an empty name part change nothing.
+  element.SetNameIsValue(u"");
+  element.SetNameIsValue(u"=x");
+  EXPECT_EQ(element.GetNameIsValue(), u"a=c");
+
+  // The splitter's limit holds: a separator beyond position 255 is a range error.
+  EXPECT_THROW(element.SetNameIsValue(String(300, u'n') + u"=v"), ERangeError);
+  EXPECT_EQ(element.GetNameIsValue(), u"a=c");
+
+  TStringElement built(NameIsValueText{}, u"key=value");
+  EXPECT_EQ(built.GetName(), u"key");
+  EXPECT_EQ(built.GetAsString(), u"value");
+  EXPECT_TRUE(built.SetPropertyStringByName(u"NameIsValue", u"k2=v2"));
+  EXPECT_EQ(built.GetPropertyStringByName(u"NameIsValue"), u"k2=v2");
+}
+
+TEST(StringElement, TypedReadersReportWhetherTheTextConverted) {
+  TStringElement element(u"123");
+  bool ok = false;
+  EXPECT_EQ(element.GetLongInt(ok), 123);
+  EXPECT_TRUE(ok);
+  element.SetAsString(u"12x");
+  EXPECT_EQ(element.GetLongInt(ok), 0);
+  EXPECT_FALSE(ok);
+
+  element.SetDouble(2.25);
+  EXPECT_EQ(element.GetAsString(), u"2.25");
+  EXPECT_EQ(element.GetDouble(ok), 2.25);
+  EXPECT_TRUE(ok);
+  element.SetAsString(u"abc");
+  EXPECT_EQ(element.GetDouble(ok), 0.0);
+  EXPECT_FALSE(ok);
+
+  ok = false;
+  EXPECT_FALSE(element.GetBoolean(ok));
+  EXPECT_TRUE(ok);
+  element.SetLongInt(-5);
+  EXPECT_EQ(element.GetAsString(), u"-5");
+  EXPECT_TRUE(element.GetBoolean(ok));
+}
+
+TEST(PathElement, CopyIsAPlainStringElement) {
+  TPathElement path(u"home", u"C:\\data\\model.vsk");
+  std::unique_ptr<TTypeElement> copy = Copy(path);
+  ASSERT_NE(copy, nullptr);
+  EXPECT_EQ(copy->ClassType().Name(), u"TStringElement");
+  EXPECT_EQ(copy->GetName(), u"home");
+  EXPECT_EQ(copy->GetAsString(), u"C:\\data\\model.vsk");
+  EXPECT_EQ(path.GetTypeAsString(), u"string");
+}
+
+TEST(IntegerElement, ConversionsIgnoreWhatDoesNotFit) {
+  TIntegerElement element(300);
+  EXPECT_EQ(element.GetAsByte(), 0);
+  element.SetAsInteger(-1);
+  EXPECT_EQ(element.GetAsByte(), 0);
+  element.SetAsByte(200);
+  EXPECT_EQ(element.GetAsByte(), 200);
+
+  element.SetAsFloat(-2.9);
+  EXPECT_EQ(element.GetAsInteger(), -2);
+  element.SetAsFloat(3e9);
+  element.SetAsFloat(std::numeric_limits<double>::quiet_NaN());
+  EXPECT_EQ(element.GetAsInteger(), -2);
+
+  element.SetAsString(u"x");
+  EXPECT_EQ(element.GetAsString(), u"-2");
+  element.SetAsString(u"2147483647");
+  EXPECT_EQ(element.GetAsFloat(), 2147483647.0);
+  element.SetAsString(u"2147483648");
+  EXPECT_EQ(element.GetAsInteger(), 2147483647);
+
+  element.SetAsBoolean(true);
+  EXPECT_EQ(element.GetAsInteger(), 1);
+  EXPECT_TRUE(element.GetAsBoolean());
+}
+
+TEST(IntegerElement, PointerViewTravelsThroughTheHandleTable) {
+  auto target = std::make_unique<TStringElement>(u"target");
+  TIntegerElement element;
+  element.SetAsPointer(target.get());
+  EXPECT_NE(element.GetAsInteger(), 0);
+  EXPECT_EQ(element.GetAsPointer(), target.get());
+  target.reset();
+  EXPECT_EQ(element.GetAsPointer(), nullptr);
+}
+
+TEST(PointerElement, ReferenceAsTextRoundTrips) {
+  TStringElement target(u"t", u"v");
+  TPointerElement element(&target);
+  const String text = element.GetAsString();
+  EXPECT_EQ(text, IntToStr(ObjectHandles::HandleOf(&target)));
+
+  TPointerElement other;
+  other.SetAsString(text);
+  EXPECT_EQ(other.GetAsPointer(), &target);
+  EXPECT_EQ(other.Get_Element(), &target);
+  EXPECT_EQ(other.GetAsInteger(), element.GetAsInteger());
+  EXPECT_EQ(other.GetPropertyStringByName(u"_Element"), text);
+
+  TPointerElement by_name;
+  EXPECT_TRUE(by_name.SetPropertyStringByName(u"_Element", text));
+  EXPECT_EQ(by_name.GetAsPointer(), &target);
+}
+
+TEST(PointerElement, NumberNamingNoObjectGivesNone) {
+  TPointerElement element;
+  EXPECT_EQ(element.GetAsString(), u"0");
+  element.SetAsInteger(2'000'000'000);
+  EXPECT_EQ(element.GetAsPointer(), nullptr);
+  element.SetAsString(u"-12");
+  EXPECT_EQ(element.GetAsPointer(), nullptr);
+  element.SetAsString(u"garbage");
+  EXPECT_EQ(element.GetAsNativeInt(), 0);
+
+  auto target = std::make_unique<TIntegerElement>(1);
+  element.SetAsPointer(target.get());
+  target.reset();
+  EXPECT_EQ(element.GetAsPointer(), nullptr);
+  EXPECT_EQ(element.GetAsString(), u"0");
+}
+
+TEST(PointerElement, CopyKeepsTheReferenceButNotTheClassName) {
+  TStringElement target;
+  TPointerElement element(u"p", &target);
+  element.aClassName = u"TStringElement";
+  auto copy = Copy(element);
+  auto* pointer = dynamic_cast<TPointerElement*>(copy.get());
+  ASSERT_NE(pointer, nullptr);
+  EXPECT_EQ(pointer->GetName(), u"p");
+  EXPECT_EQ(pointer->GetAsPointer(), &target);
+  EXPECT_EQ(pointer->aClassName, u"");
+  EXPECT_EQ(TPointerElement::StaticClassInfo().FindProperty(u"Value"), nullptr);
+}
+
+TEST(PointerElement, ElementViewOfAnObjectThatIsNoElementIsNone) {
+  TPersistent plain;
+  TPointerElement element(&plain);
+  EXPECT_EQ(element.GetAsPointer(), &plain);
+  EXPECT_EQ(element.Get_Element(), nullptr);
+}
+
+TEST(DateTimeElement, TextThatDoesNotParseGivesZero) {
+  TDateTimeElement element(45000.5);
+  element.SetAsString(u"not a date");
+  EXPECT_EQ(element.GetAsDateTime(), 0.0);
+
+  element.SetAsString(u"2020-03-01T12:00:00Z");
+  EXPECT_EQ(element.GetAsDateTime(), EncodeDateTime(2020, 3, 1, 12, 0, 0, 0));
+  element.SetAsString(u"2020-03-01T12:00:00+02:00");
+  EXPECT_EQ(element.GetAsDateTime(), EncodeDateTime(2020, 3, 1, 10, 0, 0, 0));
+  element.SetAsString(u"2.1.2021 8:30:00");
+  EXPECT_EQ(element.GetAsDateTime(), EncodeDateTime(2021, 1, 2, 8, 30, 0, 0));
+  EXPECT_EQ(element.GetAsString(), u"2.1.2021 8:30:00");
+}
+
+TEST(DateTimeElement, IsoTextThatDoesNotParseChangesNothing) {
+  TDateTimeElement element(EncodeDateTime(2021, 1, 2, 8, 30, 0, 0));
+  EXPECT_EQ(element.GetAsISOString(), u"2021-01-02T08:30:00.000Z");
+  element.SetAsISOString(u"2.1.2021");
+  EXPECT_EQ(element.GetAsISOString(), u"2021-01-02T08:30:00.000Z");
+  element.SetAsISOString(u"1999-12-31T23:00:00-01:00");
+  EXPECT_EQ(element.GetAsDateTime(), EncodeDateTime(2000, 1, 1, 0, 0, 0, 0));
+}
+
+TEST(DateTimeElement, IntegerTruncatesAndRaisesBeyond32Bits) {
+  TDateTimeElement element(-1.75);
+  EXPECT_EQ(element.GetAsInteger(), -1);
+  element.SetAsFloat(45000.99);
+  EXPECT_EQ(element.GetAsNativeInt(), 45000);
+  element.SetAsFloat(1e12);
+  EXPECT_THROW(element.GetAsInteger(), ERangeError);
+  element.SetAsInteger(3);
+  EXPECT_EQ(element.GetAsFloat(), 3.0);
+}
+
+TEST(ValueElements, ConstructorsAndCopiesCarryValueAndName) {
+  const std::vector<std::shared_ptr<TTypeElement>> elements = {
+      std::make_shared<TBooleanElement>(u"b", true),   std::make_shared<TCharElement>(u"c", u'x'),
+      std::make_shared<TByteElement>(u"y", 200),        std::make_shared<TFloatElement>(u"f", 2.5),
+      std::make_shared<TStringElement>(u"s", u"text"),  std::make_shared<TIntegerElement>(u"i", -9),
+      std::make_shared<TDateTimeElement>(u"d", 44000.25)};
+  for (const auto& element : elements) {
+    auto copy = Copy(*element);
+    ASSERT_NE(copy, nullptr);
+    EXPECT_EQ(&copy->ClassType(), &element->ClassType());
+    EXPECT_EQ(copy->GetName(), element->GetName());
+    EXPECT_EQ(copy->GetAsString(), element->GetAsString());
+    EXPECT_EQ(copy->GetPropertyStringByName(u"Value"), element->GetPropertyStringByName(u"Value"));
+  }
+}
+
+TEST(ValueElements, VirtualConstructorLeavesTheValueEmpty) {
+  for (const ClassInfo* info : {&TBooleanElement::StaticClassInfo(), &TByteElement::StaticClassInfo(),
+                                &TIntegerElement::StaticClassInfo(), &TFloatElement::StaticClassInfo(),
+                                &TStringElement::StaticClassInfo(), &TCharElement::StaticClassInfo()}) {
+    std::unique_ptr<TObject> object(info->Create());
+    auto* element = dynamic_cast<TTypeElement*>(object.get());
+    ASSERT_NE(element, nullptr);
+    EXPECT_EQ(element->GetAsInteger(), 0) << ToUtf8(info->Name());
+    EXPECT_FALSE(element->GetAsBoolean()) << ToUtf8(info->Name());
+    const PropInfo* value = info->FindProperty(u"Value");
+    ASSERT_NE(value, nullptr);
+    EXPECT_TRUE(value->IsStored(*element));
+  }
+}
+
+}  // namespace
+}  // namespace veska
