@@ -32,6 +32,11 @@
 #include "kernel/classes/registry.h"
 #include "kernel/classes/startup.h"
 
+// Typed value and list elements.
+#include "kernel/types/list_elements.h"
+#include "kernel/types/type_elements.h"
+#include "kernel/types/types_unit.h"
+
 // Text utilities.
 #include "kernel/text/code_page.h"
 #include "kernel/text/line_reader.h"

@@ -4,6 +4,7 @@
 
 #include "kernel/classes/registry.h"
 #include "kernel/elements/message.h"
+#include "kernel/types/types_unit.h"
 
 namespace veska {
 
@@ -26,7 +27,7 @@ void RegisterElementsUnit(TVeskaClasses& registry) {
 }
 
 void RegisterLibraryUnits(TVeskaClasses& registry) {
-  constexpr std::array kUnits = {&RegisterRegistryUnit, &RegisterElementsUnit};
+  constexpr std::array kUnits = {&RegisterRegistryUnit, &RegisterElementsUnit, &RegisterTypesUnit};
   for (auto* register_unit : kUnits) register_unit(registry);
 }
 
