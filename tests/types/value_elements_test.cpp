@@ -211,6 +211,10 @@ TEST(StringElement, NameIsValueSplitsNameAndValue) {
   element.SetNameIsValue(u"=x");
   EXPECT_EQ(element.GetNameIsValue(), u"a=c");
 
+  // The splitter's limit holds: a separator beyond position 255 is a range error.
+  EXPECT_THROW(element.SetNameIsValue(String(300, u'n') + u"=v"), ERangeError);
+  EXPECT_EQ(element.GetNameIsValue(), u"a=c");
+
   TStringElement built(NameIsValueText{}, u"key=value");
   EXPECT_EQ(built.GetName(), u"key");
   EXPECT_EQ(built.GetAsString(), u"value");
