@@ -1,5 +1,6 @@
 #include "kernel/types/list_elements.h"
 
+#include <algorithm>
 #include <filesystem>
 #include <system_error>
 #include <utility>
@@ -27,18 +28,25 @@ void SetValueOf(TElement* member, const String& value) {
   if (auto* typed = dynamic_cast<TTypeElement*>(member)) typed->SetAsString(value);
 }
 
-// Calls add with each part of the text split at the separator by StringAsTwoParams: the part
-// before the first separator, trimmed, then the parts of the rest.  An empty text has no part;
-// a separator at the end adds none after it.
+// Calls add with each part of the text as StringAsTwoParams splits it, again and again on its
+// second part: the part before the first separator, trimmed, then the parts of the trimmed rest.
+// An empty text has no part; blanks alone after a separator add none.  Each call sees only the
+// text up to its separator, so that a long text costs no copy of its rest per part; the results
+// and the range check of the separator's position are those of a call on the whole rest.
 template <class AddPart>
-void ForEachPart(const String& text, char16_t separator, AddPart add) {
-  String rest = text;
+void ForEachPart(StringView text, char16_t separator, AddPart add) {
+  // The blanks that the trimming of StringAsTwoParams (BezVnejsichMezer) removes.
+  constexpr StringView kBlanks(u"\0 ", 2);
+  StringView rest = text;
   while (!rest.empty()) {
+    const std::size_t end = rest.find(separator);
     String part;
-    String next;  // StringAsTwoParams leaves it empty when nothing follows the separator
-    StringAsTwoParams(rest, separator, part, next);
+    String unused;
+    StringAsTwoParams(end == StringView::npos ? rest : rest.substr(0, end + 1), separator, part, unused);
     add(part);
-    rest = std::move(next);
+    if (end == StringView::npos) break;
+    rest.remove_prefix(end + 1);
+    rest.remove_prefix(std::min(rest.find_first_not_of(kBlanks), rest.size()));
   }
 }
 

@@ -123,9 +123,10 @@ class TPropertyList : public TStringListElement {
   // Put between the values by GetCatenation.
   String Delimiter;
 
-  // Fills the entries from the element's properties (none does nothing).  An entry without a
-  // name, or a negated entry whose property reads empty, raises ERangeError "Range check error";
-  // the entries before it are already filled.
+  // Fills the entries from the element's properties (none does nothing).  An entry whose name
+  // reads empty (an element without a name of its own reads its class name, so only a member
+  // that is none or says so), or a negated entry whose property reads empty, raises ERangeError
+  // "Range check error"; the entries before it are already filled.
   void SetByElement(TElement* Element);
   // The values joined by Delimiter; empty for an empty list.
   String GetCatenation();

@@ -112,6 +112,11 @@ TEST(StringListElement, SplittingAppendsTrimmedPartsAndNeverClears) {
   EXPECT_EQ(list.ElementsCount(), 5);
   EXPECT_EQ(list.GetNameAtIndex(4), u"c");
 
+  TStringListElement blanks;
+  blanks.SetValuesString(u"x, ,y");
+  blanks.SetValuesString(u"p,q,r,  ");
+  EXPECT_EQ(Values(blanks), (std::vector<String>{u"p", u"q", u"r"}));
+
   TStringListElement pairs;
   pairs.SetNameIsValueString(u"Width=10,plain,Height = 20");
   EXPECT_EQ(Names(pairs), (std::vector<String>{u"Width", u"Height"}));
@@ -241,6 +246,8 @@ TEST(StringListElement, PublishesItsCommandsAndSettings) {
   const PropInfo* next_list = info.FindProperty(u"NextStringList");
   EXPECT_EQ(next_list->Kind(), TTypeKind::tkClass);
   EXPECT_EQ(next_list->PropType().ClassType(), &TStringList::StaticClassInfo());
+  EXPECT_EQ(TStringList::StaticClassInfo().UnitName(), u"Classes");
+  EXPECT_TRUE(TStringList::StaticClassInfo().InheritsFrom(TPersistent::StaticClassInfo()));
   EXPECT_EQ(info.FindProperty(u"Separator")->Kind(), TTypeKind::tkWChar);
 
   // Assignments alone build the list, as a loader does.
@@ -420,6 +427,14 @@ TEST(IntegerListElement, ValuesStringSkipsPartsThatAreNotIntegers) {
   sorted.Sorted = true;
   EXPECT_TRUE(SetPropStringByName(&sorted, u"ValuesString", u"3,1,2"));
   EXPECT_EQ(Integers(sorted), (std::vector<int32_t>{1, 2, 3}));
+
+  // A long text is split part by part without copying its rest each time.
+  TIntegerListElement many;
+  many.Sorted = true;
+  String long_text;
+  for (int i = 0; i < 200000; ++i) long_text += i % 2 == 0 ? u"1," : u" 2 ,";
+  many.SetValuesString(long_text);
+  EXPECT_EQ(Integers(many), (std::vector<int32_t>{1, 2}));
 
   // The integer list splits at commas whatever separator a string list uses.
   TIntegerListElement semicolons;
