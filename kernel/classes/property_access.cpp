@@ -1,8 +1,5 @@
 #include "kernel/classes/property_access.h"
 
-#include <limits>
-#include <optional>
-
 #include "kernel/platform/exceptions.h"
 #include "kernel/platform/message_sink.h"
 #include "kernel/platform/object_handles.h"
@@ -11,38 +8,12 @@
 namespace veska {
 namespace {
 
-// The whole text as a decimal integer (blanks around it allowed); none when it is not one.
-std::optional<int64_t> ParseDecimal(StringView text) {
-  std::size_t i = 0;
-  std::size_t end = text.size();
-  while (i < end && text[i] == u' ') ++i;
-  while (end > i && text[end - 1] == u' ') --end;
-  bool negative = false;
-  if (i < end && (text[i] == u'-' || text[i] == u'+')) negative = text[i++] == u'-';
-  if (i == end) return std::nullopt;
-  uint64_t magnitude = 0;
-  const uint64_t limit = negative ? uint64_t{1} << 63 : (uint64_t{1} << 63) - 1;
-  for (; i < end; ++i) {
-    if (text[i] < u'0' || text[i] > u'9') return std::nullopt;
-    const auto digit = static_cast<uint64_t>(text[i] - u'0');
-    if (magnitude > (limit - digit) / 10) return std::nullopt;  // checked before it could wrap
-    magnitude = magnitude * 10 + digit;
-  }
-  return negative ? static_cast<int64_t>(0 - magnitude) : static_cast<int64_t>(magnitude);
-}
-
-int64_t DecimalOrZero(StringView text) { return ParseDecimal(text).value_or(0); }
-
-// A 32-bit integer property takes only numbers that fit it; any other text gives 0.
-int32_t Decimal32OrZero(StringView text) {
-  const int64_t value = DecimalOrZero(text);
-  using Limits = std::numeric_limits<int32_t>;
-  return value < Limits::min() || value > Limits::max() ? 0 : static_cast<int32_t>(value);
-}
+// Text that is not a whole number gives 0, as the property rules say for kinds 1, 8 and 16.
+int64_t DecimalOrZero(StringView text) { return TryStrToInt64(text).value_or(0); }
 
 // An enumeration or set value from text: a decimal number as it stands, else a value name.
 int64_t OrdinalFromText(const TypeInfo& type, const String& text) {
-  if (const auto number = ParseDecimal(text)) return *number;
+  if (const auto number = TryStrToInt64(text)) return *number;
   const TypeInfo& names = type.CompType != nullptr ? *type.CompType : type;
   const int ordinal = GetEnumValue(names, text);
   if (ordinal < 0) throw EConvertError(u"'" + text + u"' is not a value of " + type.Name);
@@ -82,8 +53,8 @@ const PropInfo* PropertyNamed(const TObject* object, StringView name) {
 
 void WriteFromText(TObject& object, const PropInfo& property, const String& text) {
   switch (property.Kind()) {
-    case TTypeKind::tkInteger:
-      property.SetOrd(object, Decimal32OrZero(text));
+    case TTypeKind::tkInteger:  // only numbers that fit 32 bits; any other text gives 0
+      property.SetOrd(object, StringToInteger(text));
       break;
     case TTypeKind::tkChar:
       property.SetOrd(object, text.empty() ? 0 : text[0] & 0xFF);
@@ -104,7 +75,7 @@ void WriteFromText(TObject& object, const PropInfo& property, const String& text
       property.SetStr(object, text);
       break;
     case TTypeKind::tkClass: {
-      const auto number = ParseDecimal(text);
+      const auto number = TryStrToInt64(text);
       property.SetObj(object, number ? ObjectHandles::ObjectOf(*number) : nullptr);
       break;
     }

@@ -112,24 +112,6 @@ std::optional<double> ParseFloat(StringView S) {
   return value;
 }
 
-std::optional<int32_t> ParseInteger(StringView S) {
-  StringView text = TrimBlanks(S);
-  std::string ascii;
-  if (!text.empty() && (text.front() == u'+' || text.front() == u'-')) {
-    if (text.front() == u'-') ascii += '-';
-    text.remove_prefix(1);
-  }
-  if (text.empty()) return std::nullopt;
-  for (char16_t c : text) {
-    if (!IsDigit(c)) return std::nullopt;
-    ascii += char(c);
-  }
-  int32_t value = 0;
-  const auto [end, error] = std::from_chars(ascii.data(), ascii.data() + ascii.size(), value);
-  if (error != std::errc() || end != ascii.data() + ascii.size()) return std::nullopt;
-  return value;
-}
-
 constexpr std::array<std::pair<int32_t, StringView>, 13> kRomanDigits{{
     {1000, u"M"}, {900, u"CM"}, {500, u"D"}, {400, u"CD"}, {100, u"C"}, {90, u"XC"}, {50, u"L"},
     {40, u"XL"}, {10, u"X"}, {9, u"IX"}, {5, u"V"}, {4, u"IV"}, {1, u"I"},
@@ -194,12 +176,36 @@ double StrToExtended(StringView S) {
 
 bool StringIsFloat(StringView S) { return ParseFloat(S).has_value(); }
 
+std::optional<int64_t> TryStrToInt64(StringView S) {
+  StringView text = TrimBlanks(S);
+  const bool negative = !text.empty() && text.front() == u'-';
+  if (!text.empty() && (text.front() == u'+' || negative)) text.remove_prefix(1);
+  if (text.empty()) return std::nullopt;
+  // Accumulated as a magnitude with the overflow test before each step, so that the most
+  // negative number reads and nothing beyond the range wraps.
+  const uint64_t limit = negative ? uint64_t{1} << 63 : (uint64_t{1} << 63) - 1;
+  uint64_t magnitude = 0;
+  for (char16_t c : text) {
+    if (!IsDigit(c)) return std::nullopt;
+    const auto digit = static_cast<uint64_t>(c - u'0');
+    if (magnitude > (limit - digit) / 10) return std::nullopt;
+    magnitude = magnitude * 10 + digit;
+  }
+  return negative ? static_cast<int64_t>(0 - magnitude) : static_cast<int64_t>(magnitude);
+}
+
+std::optional<int32_t> TryStrToLongInt(StringView S) {
+  const auto value = TryStrToInt64(S);
+  if (!value || !std::in_range<int32_t>(*value)) return std::nullopt;
+  return static_cast<int32_t>(*value);
+}
+
 int32_t StrToLongInt(StringView S) {
-  if (auto value = ParseInteger(S)) return *value;
+  if (auto value = TryStrToLongInt(S)) return *value;
   throw EConvertError(QuotedMessage(S, u"integer"));
 }
 
-int32_t StringToInteger(StringView S) { return ParseInteger(S).value_or(0); }
+int32_t StringToInteger(StringView S) { return TryStrToLongInt(S).value_or(0); }
 
 int32_t StringIntSum(StringView S) {
   uint32_t sum = 0;

@@ -6,6 +6,7 @@
 #pragma once
 
 #include <cstdint>
+#include <optional>
 
 #include "kernel/platform/string.h"
 
@@ -30,6 +31,11 @@ double StrToExtended(StringView S);
 
 // Whether StrToExtended would succeed on S.
 bool StringIsFloat(StringView S);
+
+// The whole number that S denotes (blanks around it, an optional sign, decimal digits), or
+// none for any other text or a number beyond the type's range.
+std::optional<int64_t> TryStrToInt64(StringView S);
+std::optional<int32_t> TryStrToLongInt(StringView S);
 
 // The 32-bit integer that S denotes: blanks around it, an optional sign and decimal digits.
 // EConvertError "'S' is not a valid integer value" for any other text or a number outside the

@@ -368,13 +368,8 @@ void TIntegerListElement::AddInteger(int32_t Value) {
 
 void TIntegerListElement::SetValuesString(const String& Text) {
   ForEachPart(Text, u',', [this](const String& part) {
-    int32_t value = 0;
-    try {
-      value = StrToLongInt(part);
-    } catch (const EConvertError&) {
-      return;  // not a whole number: skipped, the other parts still count
-    }
-    AddInteger(value);
+    // A part that is not a whole number is skipped; the other parts still count.
+    if (const auto value = TryStrToLongInt(part)) AddInteger(*value);
   });
 }
 

@@ -14,15 +14,6 @@ namespace veska {
 
 namespace {
 
-// The text as a whole decimal 32-bit number (blanks around it allowed), or nothing.
-std::optional<int32_t> WholeNumber(StringView text) {
-  try {
-    return StrToLongInt(text);
-  } catch (const EConvertError&) {
-    return std::nullopt;
-  }
-}
-
 // The float truncated toward zero when the result fits in Int; nothing otherwise (NaN and the
 // infinities included).
 template <class Int>
@@ -125,7 +116,7 @@ String TByteElement::GetAsString() const { return IntToStr(value_); }
 
 // Unlike the integer view, the text view wraps: only the low 8 bits of the number are kept.
 void TByteElement::SetAsString(const String& value) {
-  if (auto number = WholeNumber(value)) value_ = static_cast<uint8_t>(static_cast<uint32_t>(*number) & 0xFFu);
+  if (auto number = TryStrToLongInt(value)) value_ = static_cast<uint8_t>(static_cast<uint32_t>(*number) & 0xFFu);
 }
 
 double TByteElement::GetAsFloat() const { return value_; }
@@ -178,7 +169,7 @@ void TStringElement::Publish(Publisher<TStringElement>& p) {
 
 TType TStringElement::GetType() const { return TType::_String; }
 String TStringElement::GetTypeAsString() const { return u"string"; }
-int32_t TStringElement::GetAsInteger() const { return WholeNumber(value_).value_or(0); }
+int32_t TStringElement::GetAsInteger() const { return TryStrToLongInt(value_).value_or(0); }
 void TStringElement::SetAsInteger(int32_t value) { value_ = IntToStr(value); }
 NativeInt TStringElement::GetAsNativeInt() const { return GetAsInteger(); }
 void TStringElement::SetAsNativeInt(NativeInt value) { SetAsInteger(value); }
@@ -215,7 +206,7 @@ void TStringElement::SetNameIsValue(const String& text) {
 }
 
 int32_t TStringElement::GetLongInt(bool& ok) const {
-  const std::optional<int32_t> number = WholeNumber(value_);
+  const std::optional<int32_t> number = TryStrToLongInt(value_);
   ok = number.has_value();
   return number.value_or(0);
 }
@@ -255,7 +246,7 @@ void TIntegerElement::SetAsNativeInt(NativeInt value) { value_ = value; }
 String TIntegerElement::GetAsString() const { return IntToStr(value_); }
 
 void TIntegerElement::SetAsString(const String& value) {
-  if (auto number = WholeNumber(value)) value_ = *number;
+  if (auto number = TryStrToLongInt(value)) value_ = *number;
 }
 
 double TIntegerElement::GetAsFloat() const { return value_; }
