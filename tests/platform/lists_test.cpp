@@ -94,10 +94,6 @@ TEST(StringList, ObjectsTravelWithTheirLines) {
   EXPECT_EQ(list.Objects(2), &two);
   list.Delete(0);
   EXPECT_EQ(list.Objects(0), &one);
-  list.PutObject(0, nullptr);
-  list.Put(0, u"uno");
-  EXPECT_EQ(list.Get(0), u"uno");
-  EXPECT_EQ(list.Objects(0), nullptr);
 }
 
 TEST(StringList, IndexOfIgnoresCaseUnlessCaseSensitive) {

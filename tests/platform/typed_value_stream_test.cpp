@@ -57,7 +57,9 @@ TEST(TypedValueWriter, ValuesTakeTheSmallestTagAndTheFormTheirTextNeeds) {
   const std::pair<int64_t, Bytes> integers[] = {
       {-128, {2, 0x80}}, {127, {2, 0x7F}}, {128, {3, 0x80, 0x00}}, {-32769, {4, 0xFF, 0x7F, 0xFF, 0xFF}},
       {int64_t{1} << 31, {19, 0, 0, 0, 0x80, 0, 0, 0, 0}}};
-  for (const auto& [value, bytes] : integers) EXPECT_EQ(Written([&](TWriter& w) { w.WriteInteger(value); }), bytes);
+  for (const auto& integer : integers) {
+    EXPECT_EQ(Written([&](TWriter& w) { w.WriteInteger(integer.first); }), integer.second) << integer.first;
+  }
   EXPECT_EQ(Written([](TWriter& w) { w.WriteInt64(-1); }), (Bytes{19, 0xFF, 0xFF, 0xFF, 0xFF, 0xFF, 0xFF, 0xFF, 0xFF}));
 
   EXPECT_EQ(Written([](TWriter& w) { w.WriteString(u"Žák"); }), (Bytes{6, 3, 0x8E, 0xE1, 'k'}));
