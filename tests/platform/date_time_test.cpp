@@ -28,30 +28,26 @@ String ConvertErrorText(auto&& action) {
 
 constexpr double kOneMillisecond = 1.0 / double(MSecsPerDay);
 
-TEST(Calendar, LeapYearsFollowTheGregorianRules) {
-  EXPECT_FALSE(IsLeapYear(1900));
+TEST(Calendar, GregorianDaysCountFromTheLastDaysOf1899) {
   EXPECT_TRUE(IsLeapYear(2000));
-  EXPECT_TRUE(IsLeapYear(2024));
-  EXPECT_FALSE(IsLeapYear(2023));
+  EXPECT_FALSE(IsLeapYear(1900));
   EXPECT_EQ(DaysInAMonth(1900, 2), 28);
-  EXPECT_EQ(DaysInAMonth(2000, 2), 29);
   EXPECT_EQ(DaysInAMonth(2023, 4), 30);
-  EXPECT_EQ(DaysInAMonth(2023, 12), 31);
   EXPECT_EQ(DaysInAMonth(2023, 13), 0);
-  TDateTime unused = 0;
-  EXPECT_FALSE(TryEncodeDate(1900, 2, 29, unused));
-  EXPECT_TRUE(TryEncodeDate(2000, 2, 29, unused));
-}
-
-TEST(Calendar, DaysCountFromTheLastDaysOf1899) {
   EXPECT_EQ(EncodeDate(1899, 12, 30), 0.0);
-  EXPECT_EQ(EncodeDate(1900, 1, 1), 2.0);
   EXPECT_EQ(EncodeDate(1900, 3, 1), 61.0);  // no 29 February 1900
   EXPECT_EQ(EncodeDate(1970, 1, 1), UnixDateDelta);
   EXPECT_EQ(EncodeDate(1, 1, 1), -693593.0);
   EXPECT_EQ(EncodeDate(9999, 12, 31), 2958465.0);
-  EXPECT_DOUBLE_EQ(EncodeTime(18, 0, 0, 0), 0.75);
-  EXPECT_DOUBLE_EQ(EncodeDateTime(2031, 5, 1, 6, 0, 0, 0), EncodeDate(2031, 5, 1) + 0.25);
+  EXPECT_DOUBLE_EQ(EncodeDateTime(2031, 5, 1, 18, 0, 0, 0), EncodeDate(2031, 5, 1) + 0.75);
+  EXPECT_EQ(DayOfWeek(EncodeDate(1899, 12, 30)), 7);  // Saturday: weeks count from Sunday
+  EXPECT_EQ(DayOfWeek(EncodeDate(1899, 12, 29)), 6);
+  EXPECT_EQ(DayOfWeek(EncodeDateTime(2024, 1, 1, 23, 0, 0, 0)), 2);  // Monday
+  for (TDateTime day = -693593; day <= 2958465; day += 211) {
+    int y = 0, m = 0, d = 0;
+    DecodeDate(day, y, m, d);
+    ASSERT_EQ(EncodeDate(y, m, d), day) << y << "-" << m << "-" << d;
+  }
 }
 
 TEST(Calendar, InvalidDatesAndTimesRaiseConvertError) {
@@ -61,29 +57,17 @@ TEST(Calendar, InvalidDatesAndTimesRaiseConvertError) {
     EXPECT_THROW(EncodeDate(y, m, d), EConvertError) << y << "-" << m << "-" << d;
   }
   EXPECT_EQ(ConvertErrorText([] { EncodeTime(24, 0, 0, 0); }), u"Invalid argument to time encode");
-  EXPECT_THROW(EncodeTime(0, 60, 0, 0), EConvertError);
-  EXPECT_THROW(EncodeTime(0, 0, 60, 0), EConvertError);
-  EXPECT_THROW(EncodeTime(0, 0, 0, 1000), EConvertError);
-  EXPECT_THROW(EncodeTime(-1, 0, 0, 0), EConvertError);
-  EXPECT_THROW(EncodeDateTime(2023, 2, 29, 0, 0, 0, 0), EConvertError);
+  for (const auto& [h, n, s, ms] : {std::tuple{0, 60, 0, 0}, {0, 0, 60, 0}, {0, 0, 0, 1000}, {-1, 0, 0, 0}}) {
+    EXPECT_THROW(EncodeTime(h, n, s, ms), EConvertError) << h << ":" << n << ":" << s << "." << ms;
+  }
   EXPECT_THROW(EncodeDateTime(2023, 2, 28, 0, 0, 0, -1), EConvertError);
-
   TDateTime kept = 42;
+  EXPECT_TRUE(TryEncodeDate(2000, 2, 29, kept));
+  kept = 42;
   EXPECT_FALSE(TryEncodeDate(2023, 2, 29, kept));
   EXPECT_FALSE(TryEncodeTime(23, 59, 59, 1000, kept));
   EXPECT_FALSE(TryEncodeDateTime(2023, 1, 1, 24, 0, 0, 0, kept));
   EXPECT_EQ(kept, 42);
-}
-
-TEST(Calendar, EveryDayDecodesToTheDateItWasEncodedFrom) {
-  for (TDateTime day = -693593; day <= 2958465; day += 211) {
-    int y = 0, m = 0, d = 0;
-    DecodeDate(day, y, m, d);
-    ASSERT_EQ(EncodeDate(y, m, d), day) << y << "-" << m << "-" << d;
-  }
-  int y = 0, m = 0, d = 0;
-  DecodeDate(EncodeDate(2000, 2, 29) + 0.99, y, m, d);
-  EXPECT_EQ(std::tuple(y, m, d), std::tuple(2000, 2, 29));
 }
 
 TEST(Calendar, ValuesBefore1899KeepTheTimeAsTheAbsoluteFraction) {
@@ -92,11 +76,14 @@ TEST(Calendar, ValuesBefore1899KeepTheTimeAsTheAbsoluteFraction) {
   EXPECT_EQ(Iso(-1.25), "1899-12-29T06:00:00.000Z");
   EXPECT_EQ(Iso(-0.5), "1899-12-30T12:00:00.000Z");
   EXPECT_DOUBLE_EQ(EncodeDateTime(1800, 1, 1, 18, 0, 0, 0), EncodeDate(1800, 1, 1) - 0.75);
-  EXPECT_EQ(Iso(EncodeDateTime(1800, 1, 1, 18, 0, 0, 0)), "1800-01-01T18:00:00.000Z");
   EXPECT_EQ(DateOf(-1.25), -1.0);
   EXPECT_EQ(TimeOf(-1.25), 0.25);
-  EXPECT_EQ(YearOf(-1.25), 1899);
   EXPECT_EQ(DayOf(-1.25), 29);
+  // Millisecond steps cross the boundary in both directions.
+  EXPECT_DOUBLE_EQ(IncMilliSecond(0.25, -MSecsPerDay / 2), -1.75);  // 29 December, 18:00
+  EXPECT_DOUBLE_EQ(IncMilliSecond(-1.75, MSecsPerDay / 2), 0.25);
+  EXPECT_DOUBLE_EQ(IncMilliSecond(-1.25, MSecsPerDay), 0.25);
+  EXPECT_TRUE(std::isnan(IncMilliSecond(std::numeric_limits<double>::quiet_NaN(), 1)));
 }
 
 TEST(Calendar, DecodingRoundsToTheMillisecondAndCarriesIntoTheNextDay) {
@@ -122,13 +109,6 @@ TEST(Calendar, ValuesOutsideTheCalendarDecodeAsZero) {
   EXPECT_EQ(YearOf(MaxDateTime), 9999);
 }
 
-TEST(Calendar, DayOfWeekCountsFromSunday) {
-  EXPECT_EQ(DayOfWeek(EncodeDate(1899, 12, 30)), 7);  // Saturday
-  EXPECT_EQ(DayOfWeek(EncodeDate(1899, 12, 31)), 1);  // Sunday
-  EXPECT_EQ(DayOfWeek(EncodeDate(1899, 12, 29)), 6);
-  EXPECT_EQ(DayOfWeek(EncodeDateTime(2024, 1, 1, 23, 0, 0, 0)), 2);  // Monday
-}
-
 TEST(Calendar, StartsAndEndsOfDaysMonthsAndYears) {
   const TDateTime value = EncodeDateTime(2024, 2, 10, 15, 30, 0, 0);
   EXPECT_EQ(StartOfTheDay(value), EncodeDate(2024, 2, 10));
@@ -136,11 +116,8 @@ TEST(Calendar, StartsAndEndsOfDaysMonthsAndYears) {
   EXPECT_EQ(StartOfTheYear(value), EncodeDate(2024, 1, 1));
   EXPECT_EQ(EndOfTheDay(value), EncodeDateTime(2024, 2, 10, 23, 59, 59, 999));
   EXPECT_EQ(EndOfTheMonth(value), EncodeDateTime(2024, 2, 29, 23, 59, 59, 999));
-  EXPECT_EQ(EndOfTheMonth(EncodeDate(1900, 2, 3)), EncodeDateTime(1900, 2, 28, 23, 59, 59, 999));
   EXPECT_EQ(EndOfTheYear(value), EncodeDateTime(2024, 12, 31, 23, 59, 59, 999));
   EXPECT_EQ(Iso(EndOfAYear(2030)), "2030-12-31T23:59:59.999Z");
-  EXPECT_NEAR(EndOfAYear(2030) - EncodeDate(2030, 12, 31), 1.0 - kOneMillisecond, 1e-10);
-  EXPECT_EQ(StartOfAYear(2030), EncodeDate(2030, 1, 1));
   EXPECT_EQ(StartOfAMonth(2030, 3), EncodeDate(2030, 3, 1));
   EXPECT_EQ(Iso(EndOfAMonth(2030, 4)), "2030-04-30T23:59:59.999Z");
   EXPECT_EQ(Iso(EndOfTheDay(EncodeDateTime(1800, 1, 1, 6, 0, 0, 0))), "1800-01-01T23:59:59.999Z");
@@ -149,74 +126,56 @@ TEST(Calendar, StartsAndEndsOfDaysMonthsAndYears) {
   EXPECT_THROW(EndOfAMonth(2030, 13), EConvertError);
 }
 
-TEST(Calendar, MillisecondStepsCrossThe1899BoundaryInBothDirections) {
-  const std::int64_t twelveHours = MSecsPerDay / 2;
-  EXPECT_DOUBLE_EQ(IncMilliSecond(0.25, -twelveHours), -1.75);  // 29 December, 18:00
-  EXPECT_DOUBLE_EQ(IncMilliSecond(-1.75, twelveHours), 0.25);
-  EXPECT_DOUBLE_EQ(IncMilliSecond(-1.25, MSecsPerDay), 0.25);
-  EXPECT_TRUE(std::isnan(IncMilliSecond(std::numeric_limits<double>::quiet_NaN(), 1)));
-}
-
 TEST(Calendar, UnixSecondsAndTheClock) {
-  EXPECT_EQ(DateTimeToUnix(EncodeDate(1970, 1, 1)), 0);
   EXPECT_EQ(DateTimeToUnix(EncodeDateTime(1969, 12, 31, 23, 59, 59, 0)), -1);
   EXPECT_EQ(UnixToDateTime(365 * 86400), EncodeDate(1971, 1, 1));
   const TDateTime old = EncodeDateTime(1800, 1, 1, 6, 0, 0, 0);
   EXPECT_DOUBLE_EQ(UnixToDateTime(DateTimeToUnix(old)), old);
-
-  const TDateTime now = Now();
-  const TDateTime utc = NowUTC();
-  EXPECT_GE(YearOf(now), 2024);
-  EXPECT_LE(std::fabs(now - utc), 15.0 / 24);  // time zones lie within 14 hours of UTC
+  EXPECT_GE(YearOf(Now()), 2024);
+  EXPECT_LE(std::fabs(Now() - NowUTC()), 15.0 / 24);  // time zones lie within 14 hours of UTC
   EXPECT_EQ(Date(), std::trunc(Date()));
-  EXPECT_GE(Time(), 0.0);
-  EXPECT_LT(Time(), 1.0);
 }
 
-TEST(Iso8601, WritesUtcWithMillisecondsAndZone) {
+TEST(Iso8601, WritesUtcWithMillisecondsAndZoneWhateverTheSeparators) {
   EXPECT_EQ(DateToISO8601(EncodeDateTime(2031, 5, 1, 13, 4, 5, 6)), u"2031-05-01T13:04:05.006Z");
   EXPECT_EQ(DateToISO8601(EncodeDateTime(2031, 5, 1, 13, 4, 5, 6), false), u"2031-05-01T13:04:05.006");
   EXPECT_EQ(DateToISO8601(EncodeDate(45, 3, 9)), u"0045-03-09T00:00:00.000Z");
-  // Independent of the separators an application sets.
   const TFormatSettings saved = FormatSettings;
   FormatSettings.TimeSeparator = u'.';
   FormatSettings.DateSeparator = u'/';
   EXPECT_EQ(DateToISO8601(EncodeDate(2031, 5, 1)), u"2031-05-01T00:00:00.000Z");
   FormatSettings = saved;
+  for (TDateTime value : {0.0, -1.25, EncodeDateTime(1, 1, 1, 0, 0, 0, 1), MaxDateTime,
+                          EncodeDateTime(1600, 2, 29, 23, 59, 59, 999)}) {
+    EXPECT_DOUBLE_EQ(ISO8601ToDate(DateToISO8601(value)), value) << Iso(value);
+  }
 }
 
-TEST(Iso8601, ReadsDatesAndDateTimesInExtendedAndBasicForms) {
-  const TDateTime may1 = EncodeDate(2031, 5, 1);
-  for (StringView text : {u"2031-05-01", u"20310501", u" 2031-05-01 ", u"2031-05-01T00:00"}) {
+TEST(Iso8601, ReadsExtendedAndBasicFormsRoundingToTheMillisecondAndApplyingOffsets) {
+  const struct {
+    StringView text;
+    const char* utc;
+  } cases[] = {
+      {u"2031-05-01", "2031-05-01T00:00:00.000Z"},            {u" 20310501 ", "2031-05-01T00:00:00.000Z"},
+      {u"2031-05-01T12:30", "2031-05-01T12:30:00.000Z"},      {u"2031-05-01 12:30:15", "2031-05-01T12:30:15.000Z"},
+      {u"20310501t123015Z", "2031-05-01T12:30:15.000Z"},      {u"2031-05-01T12:30:15.5", "2031-05-01T12:30:15.500Z"},
+      {u"2031-05-01T12:30:15,25Z", "2031-05-01T12:30:15.250Z"},
+      {u"2031-05-01T12:30:15.123456789Z", "2031-05-01T12:30:15.123Z"},
+      {u"2031-12-31T23:59:59.9995Z", "2032-01-01T00:00:00.000Z"},
+      {u"2031-12-31T23:59:59.9994999Z", "2031-12-31T23:59:59.999Z"},
+      {u"2031-05-01T00:30:00+01:00", "2031-04-30T23:30:00.000Z"}, {u"2031-04-30T22:00-05", "2031-05-01T03:00:00.000Z"},
+      {u"2031-01-01T01:15+0130", "2030-12-31T23:45:00.000Z"},     {u"2031-05-01T12:00-00:00", "2031-05-01T12:00:00.000Z"},
+      // Across 30 December 1899 the result keeps the platform's rule for earlier days.
+      {u"1899-12-30T02:00+03:00", "1899-12-29T23:00:00.000Z"},
+  };
+  for (const auto& [text, utc] : cases) {
     TDateTime value = -1;
     ASSERT_TRUE(TryISO8601ToDate(text, value)) << ToUtf8(text);
-    EXPECT_EQ(value, may1) << ToUtf8(text);
+    EXPECT_EQ(Iso(value), utc) << ToUtf8(text);
   }
-  EXPECT_EQ(Iso(ISO8601ToDate(u"2031-05-01T12:30")), "2031-05-01T12:30:00.000Z");
-  EXPECT_EQ(Iso(ISO8601ToDate(u"2031-05-01 12:30:15")), "2031-05-01T12:30:15.000Z");
-  EXPECT_EQ(Iso(ISO8601ToDate(u"20310501t123015Z")), "2031-05-01T12:30:15.000Z");
-  EXPECT_EQ(Iso(ISO8601ToDate(u"2031-05-01T12:30:15.5")), "2031-05-01T12:30:15.500Z");
-  EXPECT_EQ(Iso(ISO8601ToDate(u"2031-05-01T12:30:15,25Z")), "2031-05-01T12:30:15.250Z");
-  EXPECT_EQ(Iso(ISO8601ToDate(u"2031-05-01T12:30:15.123456789Z")), "2031-05-01T12:30:15.123Z");
-}
-
-TEST(Iso8601, FractionalSecondsRoundToTheMillisecondWithCarry) {
-  EXPECT_EQ(Iso(ISO8601ToDate(u"2031-12-31T23:59:59.9995Z")), "2032-01-01T00:00:00.000Z");
-  EXPECT_EQ(Iso(ISO8601ToDate(u"2031-12-31T23:59:59.9994999Z")), "2031-12-31T23:59:59.999Z");
-  EXPECT_EQ(Iso(ISO8601ToDate(u"2031-05-01T10:00:00.0005")), "2031-05-01T10:00:00.001Z");
-}
-
-TEST(Iso8601, OffsetsConvertToUtcAcrossMidnight) {
-  EXPECT_EQ(Iso(ISO8601ToDate(u"2031-05-01T00:30:00+01:00")), "2031-04-30T23:30:00.000Z");
-  EXPECT_EQ(Iso(ISO8601ToDate(u"2031-04-30T22:00-05")), "2031-05-01T03:00:00.000Z");
-  EXPECT_EQ(Iso(ISO8601ToDate(u"2031-01-01T01:15+0130")), "2030-12-31T23:45:00.000Z");
-  EXPECT_EQ(Iso(ISO8601ToDate(u"2031-05-01T12:00-00:00")), "2031-05-01T12:00:00.000Z");
+  EXPECT_DOUBLE_EQ(ISO8601ToDate(u"1899-12-30T02:00+03:00"), -1.0 - 23.0 / 24);
   // Without UTC the offset is ignored: the wall-clock time as written.
   EXPECT_EQ(DateToISO8601(ISO8601ToDate(u"2031-05-01T00:30:00+01:00", false), false), u"2031-05-01T00:30:00.000");
-  // Across 30 December 1899 the result keeps the platform's rule for earlier days.
-  const TDateTime crossed = ISO8601ToDate(u"1899-12-30T02:00+03:00");
-  EXPECT_EQ(Iso(crossed), "1899-12-29T23:00:00.000Z");
-  EXPECT_DOUBLE_EQ(crossed, -1.0 - 23.0 / 24);
 }
 
 TEST(Iso8601, MalformedOrOutOfRangeTextFails) {
@@ -234,24 +193,19 @@ TEST(Iso8601, MalformedOrOutOfRangeTextFails) {
   EXPECT_EQ(ConvertErrorText([] { ISO8601ToDate(u"1.5.2031"); }), u"'1.5.2031' is not a valid ISO 8601 date and time");
 }
 
-TEST(Iso8601, WrittenTextReadsBackToTheSameMillisecond) {
-  for (TDateTime value : {0.0, -1.25, EncodeDateTime(2031, 5, 1, 13, 4, 5, 6), EncodeDateTime(1, 1, 1, 0, 0, 0, 1),
-                          MaxDateTime, EncodeDateTime(1600, 2, 29, 23, 59, 59, 999)}) {
-    EXPECT_DOUBLE_EQ(ISO8601ToDate(DateToISO8601(value)), value) << Iso(value);
-  }
-}
-
 TEST(LocaleDateTime, DateTimeToStrLeavesOutAnExactMidnight) {
   const TDateTime may1 = EncodeDate(2031, 5, 1);
   EXPECT_EQ(DateTimeToStr(may1), u"1.5.2031");
-  EXPECT_EQ(DateTimeToStr(may1), DateToStr(may1));
   EXPECT_EQ(DateTimeToStr(may1 + kOneMillisecond), u"1.5.2031 0:00:00");
   EXPECT_EQ(DateTimeToStr(EncodeDateTime(2031, 5, 1, 7, 5, 3, 0)), u"1.5.2031 7:05:03");
   // A time that rounds to the next midnight counts as midnight of the next day.
   EXPECT_EQ(DateTimeToStr(may1 + 1 - 0.4 * kOneMillisecond), u"2.5.2031");
   EXPECT_EQ(DateTimeToStr(EncodeDateTime(1800, 1, 1, 6, 0, 0, 0)), u"1.1.1800 6:00:00");
   EXPECT_EQ(TimeToStr(EncodeDateTime(2031, 5, 1, 17, 5, 3, 0)), u"17:05:03");
-  EXPECT_EQ(DateTimeToStr(0), u"30.12.1899");
+  for (TDateTime value : {may1, EncodeDateTime(2031, 5, 1, 7, 5, 3, 0), EncodeDateTime(1800, 1, 1, 6, 0, 0, 0),
+                          EncodeDateTime(1, 1, 1, 23, 59, 59, 0)}) {
+    EXPECT_DOUBLE_EQ(StrToDateTime(DateTimeToStr(value)), value) << Iso(value);
+  }
 }
 
 TEST(LocaleDateTime, PatternLetters) {
@@ -298,11 +252,9 @@ TEST(LocaleDateTime, ReadsDatesInTheOrderOfTheShortDateFormat) {
   american.DateSeparator = u'/';
   american.ShortDateFormat = u"m/d/yyyy";
   EXPECT_EQ(StrToDate(u"5/1/2031", american), may1);
-  EXPECT_EQ(StrToDate(u"5/1", american), EncodeDate(thisYear, 5, 1));
-  TFormatSettings iso;
-  iso.DateSeparator = u'-';
-  iso.ShortDateFormat = u"'day' yyyy-mm-dd";  // the quoted d does not decide the order
-  EXPECT_EQ(StrToDate(u"2031-5-1", iso), may1);
+  american.DateSeparator = u'-';
+  american.ShortDateFormat = u"'day' yyyy-mm-dd";  // the quoted d does not decide the order
+  EXPECT_EQ(StrToDate(u"2031-5-1", american), may1);
 
   for (StringView text : {u"", u"1", u"31.4.2031", u"29.2.2031", u"1.5.2031x", u"1-5-2031", u"1..2031", u"1.5.10000",
                           u"1234567890.1.2031", u"1.5.2031 7"}) {
@@ -313,10 +265,8 @@ TEST(LocaleDateTime, ReadsDatesInTheOrderOfTheShortDateFormat) {
   EXPECT_EQ(ConvertErrorText([] { StrToDate(u"31.4.2031"); }), u"'31.4.2031' is not a valid date");
 }
 
-TEST(LocaleDateTime, ReadsTimesWithOptionalSecondsAndFraction) {
-  EXPECT_DOUBLE_EQ(StrToTime(u"7:05"), EncodeTime(7, 5, 0, 0));
+TEST(LocaleDateTime, ReadsTimesAndDateTimesWithOptionalSecondsAndFraction) {
   EXPECT_DOUBLE_EQ(StrToTime(u" 07:05:03 "), EncodeTime(7, 5, 3, 0));
-  EXPECT_DOUBLE_EQ(StrToTime(u"7:05:03.5"), EncodeTime(7, 5, 3, 500));
   EXPECT_DOUBLE_EQ(StrToTime(u"7:05:03.0005"), EncodeTime(7, 5, 3, 1));
   EXPECT_DOUBLE_EQ(StrToTime(u"23:59:59.9995"), 1.0);
   for (StringView text : {u"", u"7", u"24:00", u"7:60", u"7:05:60", u"7:05:03.", u"7:05:03,5", u"7:05 x", u"-7:05"}) {
@@ -325,30 +275,16 @@ TEST(LocaleDateTime, ReadsTimesWithOptionalSecondsAndFraction) {
     EXPECT_EQ(value, 42);
   }
   EXPECT_EQ(ConvertErrorText([] { StrToTime(u"25:00"); }), u"'25:00' is not a valid time");
-}
 
-TEST(LocaleDateTime, ReadsDateTimesDatesAloneAndTimesAlone) {
-  EXPECT_DOUBLE_EQ(StrToDateTime(u"1.5.2031 7:05:03"), EncodeDateTime(2031, 5, 1, 7, 5, 3, 0));
-  EXPECT_EQ(StrToDateTime(u"1.5.2031"), EncodeDate(2031, 5, 1));
   EXPECT_DOUBLE_EQ(StrToDateTime(u"7:05"), EncodeTime(7, 5, 0, 0));
-  EXPECT_DOUBLE_EQ(StrToDateTime(u"1.1.1800 6:00"), EncodeDateTime(1800, 1, 1, 6, 0, 0, 0));
   EXPECT_EQ(Iso(StrToDateTime(u"31.12.2031 23:59:59.9999")), "2032-01-01T00:00:00.000Z");
   EXPECT_EQ(ConvertErrorText([] { StrToDateTime(u"1.5.2031 soon"); }), u"'1.5.2031 soon' is not a valid date and time");
-  EXPECT_THROW(StrToDateTime(u"nonsense"), EConvertError);
-
   TFormatSettings settings;
   settings.DateSeparator = u'/';
   settings.TimeSeparator = u'.';
   settings.DecimalSeparator = u',';
   settings.ShortDateFormat = u"yyyy/mm/dd";
   EXPECT_DOUBLE_EQ(StrToDateTime(u"2031/05/01 7.05.03,25", settings), EncodeDateTime(2031, 5, 1, 7, 5, 3, 250));
-}
-
-TEST(LocaleDateTime, WrittenTextReadsBackToTheSameSecond) {
-  for (TDateTime value : {EncodeDate(2031, 5, 1), EncodeDateTime(2031, 5, 1, 7, 5, 3, 0),
-                          EncodeDateTime(1800, 1, 1, 6, 0, 0, 0), EncodeDateTime(1, 1, 1, 23, 59, 59, 0)}) {
-    EXPECT_DOUBLE_EQ(StrToDateTime(DateTimeToStr(value)), value) << Iso(value);
-  }
 }
 
 TEST(LocaleDateTime, ResultsDoNotDependOnTheProcessLocale) {
@@ -359,7 +295,7 @@ TEST(LocaleDateTime, ResultsDoNotDependOnTheProcessLocale) {
     std::string do_grouping() const override { return "\3"; }
   };
   const std::locale previous = std::locale::global(std::locale(std::locale::classic(), new CommaPunct));
-  std::string previousC = std::setlocale(LC_ALL, nullptr);
+  const std::string previousC = std::setlocale(LC_ALL, nullptr);
   for (const char* name : {"cs_CZ.UTF-8", "de_DE.UTF-8", "cs_CZ", "de_DE"}) {
     if (std::setlocale(LC_ALL, name) != nullptr) break;
   }

@@ -16,6 +16,7 @@ namespace veska {
 namespace {
 
 using Bytes = std::vector<uint8_t>;
+using ReaderAction = std::function<void(TReader&)>;
 
 std::span<const std::byte> Raw(const Bytes& bytes) { return std::as_bytes(std::span(bytes)); }
 
@@ -26,11 +27,10 @@ Bytes ContentOf(const TMemoryStream& stream) {
   return bytes;
 }
 
-// What one writer call produces.
-Bytes Written(const std::function<void(TWriter&)>& write) {
+Bytes Written(const std::function<void(TWriter&)>& write, std::size_t buffer_size = 64) {
   TMemoryStream stream;
   {
-    TWriter writer(stream);
+    TWriter writer(stream, buffer_size);
     write(writer);
   }
   return ContentOf(stream);
@@ -42,7 +42,7 @@ TExtendedBytes Extended(const Bytes& bytes) {
   return result;
 }
 
-String ReadErrorOf(const Bytes& bytes, const std::function<void(TReader&)>& read) {
+String ReadErrorOf(const Bytes& bytes, const ReaderAction& read) {
   TMemoryStream stream(Raw(bytes));
   TReader reader(stream);
   try {
@@ -53,17 +53,15 @@ String ReadErrorOf(const Bytes& bytes, const std::function<void(TReader&)>& read
   return u"(no error)";
 }
 
-TEST(TypedValueWriter, IntegersTakeTheSmallestTag) {
-  EXPECT_EQ(Written([](TWriter& w) { w.WriteInteger(-128); }), (Bytes{2, 0x80}));
-  EXPECT_EQ(Written([](TWriter& w) { w.WriteInteger(127); }), (Bytes{2, 0x7F}));
-  EXPECT_EQ(Written([](TWriter& w) { w.WriteInteger(128); }), (Bytes{3, 0x80, 0x00}));
-  EXPECT_EQ(Written([](TWriter& w) { w.WriteInteger(-32769); }), (Bytes{4, 0xFF, 0x7F, 0xFF, 0xFF}));
-  EXPECT_EQ(Written([](TWriter& w) { w.WriteInteger(int64_t{1} << 31); }),
-            (Bytes{19, 0, 0, 0, 0x80, 0, 0, 0, 0}));
+TEST(TypedValueWriter, ValuesTakeTheSmallestTagAndTheFormTheirTextNeeds) {
+  const std::pair<int64_t, Bytes> integers[] = {
+      {-128, {2, 0x80}}, {127, {2, 0x7F}}, {128, {3, 0x80, 0x00}}, {-32769, {4, 0xFF, 0x7F, 0xFF, 0xFF}},
+      {int64_t{1} << 31, {19, 0, 0, 0, 0x80, 0, 0, 0, 0}}};
+  for (const auto& integer : integers) {
+    EXPECT_EQ(Written([&](TWriter& w) { w.WriteInteger(integer.first); }), integer.second) << integer.first;
+  }
   EXPECT_EQ(Written([](TWriter& w) { w.WriteInt64(-1); }), (Bytes{19, 0xFF, 0xFF, 0xFF, 0xFF, 0xFF, 0xFF, 0xFF, 0xFF}));
-}
 
-TEST(TypedValueWriter, StringsChooseTheirFormByContentAndLength) {
   EXPECT_EQ(Written([](TWriter& w) { w.WriteString(u"Žák"); }), (Bytes{6, 3, 0x8E, 0xE1, 'k'}));
   EXPECT_EQ(Written([](TWriter& w) { w.WriteString(String(255, u'a')); }).size(), 2u + 255u);
   const Bytes long_text = Written([](TWriter& w) { w.WriteString(String(256, u'a')); });
@@ -73,17 +71,13 @@ TEST(TypedValueWriter, StringsChooseTheirFormByContentAndLength) {
   EXPECT_EQ(Written([](TWriter& w) { w.WriteUTF8String(u"č"); }), (Bytes{20, 2, 0, 0, 0, 0xC4, 0x8D}));
   EXPECT_EQ(Written([](TWriter& w) { w.WriteChar(u'€'); }), (Bytes{6, 1, 0x80}));
   EXPECT_EQ(Written([](TWriter& w) { w.WriteChar(u'ω'); }), (Bytes{18, 1, 0, 0, 0, 0xC9, 0x03}));
-}
-
-TEST(TypedValueWriter, IdentifiersBooleansAndSignature) {
   EXPECT_EQ(Written([](TWriter& w) {
               w.WriteSignature("VSK0");
-              w.WriteIdent(u"alClient");
-              w.WriteIdent(u"TRUE");
-              w.WriteIdent(u"nil");
+              for (StringView ident : {u"alClient", u"TRUE", u"nil"}) w.WriteIdent(ident);
               w.WriteBoolean(false);
             }),
             (Bytes{'V', 'S', 'K', '0', 7, 8, 'a', 'l', 'C', 'l', 'i', 'e', 'n', 't', 9, 13, 8}));
+
   TMemoryStream stream;
   TWriter writer(stream);
   EXPECT_THROW(writer.WriteSignature("VSK"), EWriteError);
@@ -91,35 +85,36 @@ TEST(TypedValueWriter, IdentifiersBooleansAndSignature) {
   EXPECT_EQ(writer.Position(), 0);  // nothing of a refused value was written
 }
 
-TEST(TypedValueStream, EveryWriterMethodRoundTrips) {
-  const String czech = u"Příliš žluťoučký kůň";
-  const String mixed = u"ω and 中 \U0001F600";
-  const String long_czech(5000, u'ř');  // longer than the buffers of both sides
-  TMemoryStream stream;
-  {
-    TWriter writer(stream, 64);
-    writer.WriteSignature("TPF0");
-    writer.WriteListBegin();
-    for (int64_t value : {int64_t{0}, int64_t{-1}, int64_t{300}, int64_t{-70000}, int64_t{1} << 40}) {
-      writer.WriteInteger(value);
-    }
-    writer.WriteInt64(std::numeric_limits<int64_t>::min());
-    writer.WriteFloat(-2.5);
-    writer.WriteFloat(0.1);
-    writer.WriteString(czech);
-    writer.WriteString(long_czech);
-    writer.WriteString(mixed);
-    writer.WriteWideString(czech);
-    writer.WriteUTF8String(mixed);
-    writer.WriteChar(u'č');
-    writer.WriteChar(u'\0');
-    writer.WriteBoolean(true);
-    writer.WriteIdent(u"Name");
-    writer.WriteIdent(u"null");
-    writer.WriteListEnd();
-  }
-  stream.SetPosition(0);
-  TReader reader(stream, 16);
+const String kCzech = u"Příliš žluťoučký kůň";
+const String kBeyond1250 = u"ω and 中 \U0001F600";
+const String kLongCzech(300, u'ř');  // a long string, and longer than the buffers of both sides
+
+// Every writer method once, and nested lists that only SkipValue meets.
+void WriteMixed(TWriter& w) {
+  w.WriteSignature("TPF0");
+  w.WriteListBegin();
+  for (int64_t value : {int64_t{0}, int64_t{-1}, int64_t{300}, int64_t{-70000}, int64_t{1} << 40}) w.WriteInteger(value);
+  w.WriteInt64(std::numeric_limits<int64_t>::min());
+  w.WriteFloat(-2.5);
+  w.WriteFloat(0.1);
+  w.WriteString(kCzech);
+  w.WriteString(kLongCzech);
+  w.WriteString(kBeyond1250);
+  w.WriteWideString(kCzech);
+  w.WriteUTF8String(kBeyond1250);
+  w.WriteChar(u'č');
+  w.WriteChar(u'\0');
+  w.WriteBoolean(true);
+  w.WriteIdent(u"Name");
+  w.WriteListBegin();
+  w.WriteListBegin();
+  w.WriteListEnd();
+  w.WriteListEnd();
+  w.WriteListEnd();
+  w.WriteIdent(u"null");  // behind the list: its tag ends a list
+}
+
+void ReadMixed(TReader& reader) {
   EXPECT_EQ(reader.ReadSignature(), "TPF0");
   reader.ReadListBegin();
   EXPECT_EQ(reader.ReadInteger(), 0);
@@ -130,19 +125,45 @@ TEST(TypedValueStream, EveryWriterMethodRoundTrips) {
   EXPECT_EQ(reader.ReadInt64(), std::numeric_limits<int64_t>::min());
   EXPECT_EQ(reader.ReadFloat(), -2.5);
   EXPECT_EQ(reader.ReadFloat(), 0.1);
-  EXPECT_EQ(reader.ReadString(), czech);
-  EXPECT_EQ(reader.ReadString(), long_czech);
-  EXPECT_EQ(reader.ReadString(), mixed);
-  EXPECT_EQ(reader.ReadString(), czech);
-  EXPECT_EQ(reader.ReadString(), mixed);
+  for (const String& text : {kCzech, kLongCzech, kBeyond1250, kCzech, kBeyond1250}) EXPECT_EQ(reader.ReadString(), text);
   EXPECT_EQ(reader.ReadChar(), u'č');
   EXPECT_EQ(reader.ReadChar(), u'\0');
   EXPECT_TRUE(reader.ReadBoolean());
   EXPECT_EQ(reader.ReadIdent(), u"Name");
+  reader.SkipValue();
+  reader.ReadListEnd();
   EXPECT_TRUE(reader.EndOfList());  // "Null" was written as the null tag, as the platform did
   EXPECT_EQ(reader.ReadIdent(), u"Null");
-  reader.ReadListEnd();
-  EXPECT_EQ(reader.Position(), stream.Size());
+}
+
+TEST(TypedValueStream, EveryWriterMethodRoundTripsAndTruncationAtEveryByteRaisesReadError) {
+  const Bytes whole = Written(WriteMixed);
+  EXPECT_EQ(Written(WriteMixed, 8), whole);
+  {
+    TMemoryStream stream(Raw(whole));
+    TReader reader(stream, 16);
+    ReadMixed(reader);
+    EXPECT_EQ(reader.Position(), stream.Size());
+  }
+  for (std::size_t cut = 0; cut < whole.size(); ++cut) {
+    const Bytes prefix(whole.begin(), whole.begin() + static_cast<std::ptrdiff_t>(cut));
+    for (bool skipping : {false, true}) {
+      TMemoryStream stream(Raw(prefix));
+      TReader reader(stream, 5);
+      EXPECT_THROW(
+          {
+            if (skipping) {
+              reader.ReadSignature();
+              reader.SkipValue();
+              reader.ReadIdent();
+            } else {
+              ReadMixed(reader);
+            }
+          },
+          EReadError)
+          << "cut at " << cut;
+    }
+  }
 }
 
 TEST(TypedValueReader, AcceptsEveryNumericAndStringTag) {
@@ -176,46 +197,45 @@ TEST(TypedValueReader, AcceptsEveryNumericAndStringTag) {
   EXPECT_EQ(reader.ReadChar(), u'\0');
 }
 
-TEST(ExtendedFloat, DecodesKnownBytePatterns) {
-  EXPECT_EQ(ExtendedToDouble(Extended({0, 0, 0, 0, 0, 0, 0, 0x80, 0xFF, 0x3F})), 1.0);
-  EXPECT_EQ(ExtendedToDouble(Extended({0, 0, 0, 0, 0, 0, 0, 0xA0, 0x00, 0xC0})), -2.5);
-  const double zero = ExtendedToDouble(Extended({0, 0, 0, 0, 0, 0, 0, 0, 0, 0}));
-  EXPECT_EQ(zero, 0.0);
-  EXPECT_FALSE(std::signbit(zero));
-  EXPECT_TRUE(std::signbit(ExtendedToDouble(Extended({0, 0, 0, 0, 0, 0, 0, 0, 0, 0x80}))));
-  // The smallest extended denormal is far below double's range.
-  EXPECT_EQ(ExtendedToDouble(Extended({1, 0, 0, 0, 0, 0, 0, 0, 0, 0})), 0.0);
-  EXPECT_EQ(ExtendedToDouble(Extended({0, 0, 0, 0, 0, 0, 0, 0x80, 0xFF, 0x7F})), std::numeric_limits<double>::infinity());
-  EXPECT_EQ(ExtendedToDouble(Extended({0, 0, 0, 0, 0, 0, 0, 0x80, 0xFF, 0xFF})), -std::numeric_limits<double>::infinity());
+TEST(ExtendedFloat, DecodesToTheNearestEvenDoubleOrItsDenormalsAndInfinity) {
+  constexpr double kInfinity = std::numeric_limits<double>::infinity();
+  constexpr double kDenormMin = std::numeric_limits<double>::denorm_min();
+  const struct {
+    Bytes bytes;
+    double expected;
+  } cases[] = {
+      {{0, 0, 0, 0, 0, 0, 0, 0, 0, 0}, 0.0},
+      {{0, 0, 0, 0, 0, 0, 0, 0, 0, 0x80}, -0.0},
+      {{1, 0, 0, 0, 0, 0, 0, 0, 0, 0}, 0.0},  // the smallest extended denormal is far below double's
+      {{0, 0, 0, 0, 0, 0, 0, 0x80, 0xFF, 0x7F}, kInfinity},
+      {{0, 0, 0, 0, 0, 0, 0, 0x80, 0xFF, 0xFF}, -kInfinity},
+      {{0, 0, 0, 0, 0, 0, 0, 0x80, 0xFE, 0x7F}, kInfinity},  // 2^16383, beyond double's range
+      {{0, 0, 0, 0, 0, 0, 0, 0x80, 0x00, 0x44}, kInfinity},
+      {{0, 0, 0, 0, 0, 0, 0, 0x80, 0xCD, 0x3B}, kDenormMin},      // 2^-1074: exponent 16383 - 1074
+      {{0, 0, 0, 0, 0, 0, 0, 0x80, 0xCC, 0x3B}, 0.0},             // half of it: to even
+      {{1, 0, 0, 0, 0, 0, 0, 0x80, 0xCC, 0x3B}, kDenormMin},      // above half
+      {{0, 0, 0, 0, 0, 0, 0, 0xC0, 0xCD, 0x3B}, 2 * kDenormMin},  // 1.5 of it: to even
+      {{0, 0x04, 0, 0, 0, 0, 0, 0x80, 0xFF, 0x3F}, 1.0},          // 1 + 2^-53 is a tie: stays 1
+      {{0, 0x0C, 0, 0, 0, 0, 0, 0x80, 0xFF, 0x3F}, 1.0 + 4 * std::ldexp(1.0, -53)},
+      // All ones rounds up across the power of two; at the top of the range that is infinity.
+      {{0xFF, 0xFF, 0xFF, 0xFF, 0xFF, 0xFF, 0xFF, 0xFF, 0xFF, 0x3F}, 2.0},
+      {{0xFF, 0xFF, 0xFF, 0xFF, 0xFF, 0xFF, 0xFF, 0xFF, 0xFE, 0x43}, kInfinity},
+  };
+  for (std::size_t i = 0; i < std::size(cases); ++i) {
+    EXPECT_EQ(std::bit_cast<uint64_t>(ExtendedToDouble(Extended(cases[i].bytes))),
+              std::bit_cast<uint64_t>(cases[i].expected))
+        << "case " << i;
+  }
   EXPECT_TRUE(std::isnan(ExtendedToDouble(Extended({0, 0, 0, 0, 0, 0, 0, 0xC0, 0xFF, 0x7F}))));
   EXPECT_TRUE(std::isnan(ExtendedToDouble(Extended({1, 0, 0, 0, 0, 0, 0, 0x80, 0xFF, 0x7F}))));  // low payload only
-  // Beyond double's range: 2^16383 and the largest finite extended.
-  EXPECT_EQ(ExtendedToDouble(Extended({0, 0, 0, 0, 0, 0, 0, 0x80, 0xFE, 0x7F})), std::numeric_limits<double>::infinity());
-  EXPECT_EQ(ExtendedToDouble(Extended({0, 0, 0, 0, 0, 0, 0, 0x80, 0x00, 0x44})), std::numeric_limits<double>::infinity());
-}
-
-TEST(ExtendedFloat, RoundsToNearestEvenIntoDoubleAndItsDenormals) {
-  const double denorm_min = std::numeric_limits<double>::denorm_min();
-  // 2^-1074 has the biased exponent 16383 - 1074 = 0x3BCD.
-  EXPECT_EQ(ExtendedToDouble(Extended({0, 0, 0, 0, 0, 0, 0, 0x80, 0xCD, 0x3B})), denorm_min);
-  EXPECT_EQ(ExtendedToDouble(Extended({0, 0, 0, 0, 0, 0, 0, 0x80, 0xCC, 0x3B})), 0.0);       // half: to even
-  EXPECT_EQ(ExtendedToDouble(Extended({1, 0, 0, 0, 0, 0, 0, 0x80, 0xCC, 0x3B})), denorm_min); // above half
-  EXPECT_EQ(ExtendedToDouble(Extended({0, 0, 0, 0, 0, 0, 0, 0xC0, 0xCD, 0x3B})), 2 * denorm_min);  // 1.5: to even
-  // 1 + 2^-53 is a tie between 1 and its successor: stays 1; 1 + 3 * 2^-53 rounds up.
-  EXPECT_EQ(ExtendedToDouble(Extended({0, 0x04, 0, 0, 0, 0, 0, 0x80, 0xFF, 0x3F})), 1.0);
-  EXPECT_EQ(ExtendedToDouble(Extended({0, 0x0C, 0, 0, 0, 0, 0, 0x80, 0xFF, 0x3F})), 1.0 + 4 * std::ldexp(1.0, -53));
-  // All ones rounds up across the power of two; at the top of the range that is infinity.
-  EXPECT_EQ(ExtendedToDouble(Extended({0xFF, 0xFF, 0xFF, 0xFF, 0xFF, 0xFF, 0xFF, 0xFF, 0xFF, 0x3F})), 2.0);
-  EXPECT_EQ(ExtendedToDouble(Extended({0xFF, 0xFF, 0xFF, 0xFF, 0xFF, 0xFF, 0xFF, 0xFF, 0xFE, 0x43})),
-            std::numeric_limits<double>::infinity());
 }
 
 TEST(ExtendedFloat, EveryDoubleRoundTripsExactly) {
   EXPECT_EQ(DoubleToExtended(1.0), Extended({0, 0, 0, 0, 0, 0, 0, 0x80, 0xFF, 0x3F}));
-  std::vector<double> values = {0.0, -0.0, std::numeric_limits<double>::max(), std::numeric_limits<double>::lowest(),
-                                std::numeric_limits<double>::min(), std::numeric_limits<double>::denorm_min(),
-                                -std::numeric_limits<double>::denorm_min(), std::numeric_limits<double>::infinity(),
-                                -std::numeric_limits<double>::infinity(), std::nextafter(std::numeric_limits<double>::min(), 0.0)};
+  using Limits = std::numeric_limits<double>;
+  std::vector<double> values = {0.0, -0.0, Limits::max(), Limits::lowest(), Limits::min(), Limits::denorm_min(),
+                                -Limits::denorm_min(), Limits::infinity(), -Limits::infinity(),
+                                std::nextafter(Limits::min(), 0.0), -Limits::quiet_NaN()};
   std::mt19937_64 random(2024);
   for (int i = 0; i < 20000; ++i) {
     const double value = std::bit_cast<double>(random());
@@ -226,8 +246,6 @@ TEST(ExtendedFloat, EveryDoubleRoundTripsExactly) {
     EXPECT_EQ(std::bit_cast<uint64_t>(ExtendedToDouble(DoubleToExtended(value))), std::bit_cast<uint64_t>(value))
         << value;
   }
-  const double quiet_nan = std::numeric_limits<double>::quiet_NaN();
-  EXPECT_EQ(std::bit_cast<uint64_t>(ExtendedToDouble(DoubleToExtended(-quiet_nan))), std::bit_cast<uint64_t>(-quiet_nan));
 }
 
 TEST(TypedValueReader, ErrorsNameTheTagThePositionAndTheShortfall) {
@@ -254,88 +272,13 @@ TEST(TypedValueReader, ErrorsNameTheTagThePositionAndTheShortfall) {
             u"Unexpected value tag 1 where end of list was expected at position 0");
   EXPECT_EQ(ReadErrorOf({'V', 'S'}, [](TReader& r) { r.ReadSignature(); }),
             u"Stream read error: 4 bytes wanted at position 0, 2 left");
-}
-
-TEST(TypedValueReader, HugeLengthsAreRefusedBeforeAnythingIsAllocated) {
-  Bytes bytes = {12, 0xFF, 0xFF, 0xFF, 0x7F};  // a 2 GB 8-bit string
-  bytes.resize(20, 'x');
-  EXPECT_EQ(ReadErrorOf(bytes, [](TReader& r) { r.ReadString(); }),
-            u"Stream read error: 2147483647 bytes wanted at position 5, 15 left");
+  // Huge lengths are refused before anything is allocated.
+  EXPECT_EQ(ReadErrorOf({12, 0xFF, 0xFF, 0xFF, 0x7F, 'x', 'x', 'x'}, [](TReader& r) { r.ReadString(); }),
+            u"Stream read error: 2147483647 bytes wanted at position 5, 3 left");
   EXPECT_EQ(ReadErrorOf({18, 0xFF, 0xFF, 0xFF, 0xFF}, [](TReader& r) { r.ReadString(); }),
             u"Stream read error: 8589934590 bytes wanted at position 5, 0 left");
   EXPECT_EQ(ReadErrorOf({10, 0xFF, 0xFF, 0xFF, 0xFF, 1}, [](TReader& r) { r.SkipValue(); }),
             u"Stream read error: 4294967295 bytes wanted at position 5, 1 left");
-}
-
-// One of each kind of value, including the kinds only SkipValue meets.
-Bytes MixedStream() {
-  TMemoryStream stream;
-  {
-    TWriter writer(stream, 8);
-    writer.WriteSignature("VSK0");
-    writer.WriteListBegin();
-    writer.WriteInteger(-1);
-    writer.WriteInteger(40000);
-    writer.WriteInt64(7);
-    writer.WriteFloat(3.25);
-    writer.WriteString(u"Třída");
-    writer.WriteWideString(u"中文");
-    writer.WriteUTF8String(u"ž");
-    writer.WriteChar(u'x');
-    writer.WriteBoolean(false);
-    writer.WriteIdent(u"Ident");
-    writer.WriteListBegin();
-    writer.WriteListBegin();
-    writer.WriteListEnd();
-    writer.WriteListEnd();
-    writer.WriteListEnd();
-  }
-  return ContentOf(stream);
-}
-
-void ReadMixedStream(TReader& reader) {
-  EXPECT_EQ(reader.ReadSignature(), "VSK0");
-  reader.ReadListBegin();
-  EXPECT_EQ(reader.ReadInteger(), -1);
-  EXPECT_EQ(reader.ReadInteger(), 40000);
-  EXPECT_EQ(reader.ReadInt64(), 7);
-  EXPECT_EQ(reader.ReadFloat(), 3.25);
-  EXPECT_EQ(reader.ReadString(), u"Třída");
-  EXPECT_EQ(reader.ReadString(), u"中文");
-  EXPECT_EQ(reader.ReadString(), u"ž");
-  EXPECT_EQ(reader.ReadChar(), u'x');
-  EXPECT_FALSE(reader.ReadBoolean());
-  EXPECT_EQ(reader.ReadIdent(), u"Ident");
-  reader.SkipValue();
-  EXPECT_TRUE(reader.EndOfList());
-  reader.ReadListEnd();
-}
-
-TEST(TypedValueReader, TruncationAtEveryByteRaisesReadError) {
-  const Bytes whole = MixedStream();
-  {
-    TMemoryStream stream(Raw(whole));
-    TReader reader(stream, 5);
-    ReadMixedStream(reader);
-  }
-  for (std::size_t cut = 0; cut < whole.size(); ++cut) {
-    const Bytes prefix(whole.begin(), whole.begin() + static_cast<std::ptrdiff_t>(cut));
-    for (bool skipping : {false, true}) {
-      TMemoryStream stream(Raw(prefix));
-      TReader reader(stream, 5);
-      EXPECT_THROW(
-          {
-            if (skipping) {
-              reader.ReadSignature();
-              reader.SkipValue();
-            } else {
-              ReadMixedStream(reader);
-            }
-          },
-          EReadError)
-          << "cut at " << cut;
-    }
-  }
 }
 
 TEST(TypedValueReader, SkipsSetsCollectionsAndBinaries) {
@@ -362,12 +305,7 @@ TEST(TypedValueReader, NestingDeeperThanTheLimitIsRefused) {
     bytes.insert(bytes.end(), static_cast<std::size_t>(depth), 0);
     return bytes;
   };
-  {
-    TMemoryStream stream(Raw(nested(TReader::kMaxNesting)));
-    TReader reader(stream);
-    reader.SkipValue();
-    EXPECT_EQ(reader.Position(), stream.Size());
-  }
+  EXPECT_EQ(ReadErrorOf(nested(TReader::kMaxNesting), [](TReader& r) { r.SkipValue(); }), u"(no error)");
   EXPECT_EQ(ReadErrorOf(nested(TReader::kMaxNesting + 1), [](TReader& r) { r.SkipValue(); }),
             u"Values nested deeper than 256 levels at position 256");
   Bytes collections;  // collections whose items hold collections, far too deep
@@ -377,7 +315,7 @@ TEST(TypedValueReader, NestingDeeperThanTheLimitIsRefused) {
 
 TEST(TypedValueReader, RandomBytesOnlyEverRaiseReadError) {
   std::mt19937 random(12345);
-  const std::function<void(TReader&)> operations[] = {
+  const ReaderAction operations[] = {
       [](TReader& r) { r.ReadInteger(); },  [](TReader& r) { r.ReadInt64(); },
       [](TReader& r) { r.ReadFloat(); },    [](TReader& r) { r.ReadString(); },
       [](TReader& r) { r.ReadChar(); },     [](TReader& r) { r.ReadBoolean(); },
@@ -413,9 +351,7 @@ TEST(TypedValueReader, PositionIsLogicalAndTheStreamIsLeftThere) {
   stream.SetPosition(1);
   {
     TReader reader(stream);
-    EXPECT_EQ(reader.Position(), 1);
     EXPECT_EQ(reader.ReadInteger(), 1);
-    EXPECT_EQ(reader.Position(), 3);
     EXPECT_EQ(reader.NextValue(), TValueType::vaInt8);
     EXPECT_EQ(reader.Position(), 3);
     EXPECT_EQ(stream.Position(), 7);  // the buffer has read ahead
@@ -434,7 +370,6 @@ TEST(TypedValueWriter, BuffersUntilFlushAndReportsAFailedFinalFlush) {
   {
     TWriter writer(stream);
     writer.WriteInteger(5);
-    EXPECT_EQ(writer.Position(), 2);
     EXPECT_EQ(stream.Size(), 0);
     writer.FlushBuffer();
     EXPECT_EQ(stream.Size(), 2);
