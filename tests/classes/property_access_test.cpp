@@ -79,7 +79,6 @@ class TAllKinds : public TPersistent {
 TEST(PropertyAccess, TableIsDeclarationOrderWithKinds) {
   TAllKinds o;
   ASSERT_EQ(GetPropCount(&o), 19);
-  EXPECT_EQ(GetPropName(&o, 0), u"Int");
   EXPECT_EQ(GetPropName(&o, 18), u"BadMeth");
   EXPECT_EQ(GetPropName(&o, 19), u"");
   constexpr std::array<int, 15> kKinds{1, 2, 9, 3, 6, 4, 5, 10, 18, 11, 12, 7, 8, 16, 3};
@@ -87,64 +86,71 @@ TEST(PropertyAccess, TableIsDeclarationOrderWithKinds) {
     EXPECT_EQ(static_cast<int>(GetPropType(&o, static_cast<int>(i))), kKinds[i]) << i;
   }
   TObject plain;
-  EXPECT_EQ(GetPropCount(&plain), 0);
   EXPECT_EQ(GetPropType(&plain, 0), TTypeKind::tkUnknown);
   EXPECT_EQ(GetPropString(&plain, 0), u"");
   EXPECT_EQ(GetPropString(nullptr, 0), u"");
 }
 
-TEST(PropertyAccess, NamesMatchCaseInsensitivelyAndEmptyNameFindsNothing) {
+TEST(PropertyAccess, NamesMatchIgnoringCaseAndUnknownOrReadOnlyNamesWriteNothing) {
   TAllKinds o;
   o.Uni = u"x";
   EXPECT_EQ(GetPropIndex(&o, u"uni"), 8);
   EXPECT_EQ(GetPropIndex(&o, u"UNI"), 8);
-  EXPECT_EQ(GetPropIndex(&o, u"nothing"), -1);
   EXPECT_EQ(GetPropIndex(&o, u""), -1);
-  EXPECT_EQ(GetPropStringByName(&o, u"uNi"), u"x");
   EXPECT_EQ(GetPropStringByName(&o, u""), u"");
   EXPECT_EQ(GetPropStringByName(&o, u"nothing"), u"");
   EXPECT_FALSE(SetPropStringByName(&o, u"nothing", u"1"));
-  // Inherited properties come first: TNameElement's own Name follows TElement's ID.
-  TNameElement named;
-  EXPECT_EQ(GetPropIndex(&named, u"id"), 0);
+  EXPECT_TRUE(SetPropStringByName(&o, u"Fixed", u"99")) << "a read-only property is found";
+  EXPECT_EQ(GetPropStringByName(&o, u"Fixed"), u"7");
+  TNameElement named;  // inherited properties come first
   EXPECT_EQ(GetPropIndex(&named, u"name"), 1);
 }
 
 TEST(PropertyAccess, EveryKindReadsAndWritesItsTextForm) {
-  TAllKinds o;
-  const auto write_read = [&](StringView name, const String& text) {
-    EXPECT_TRUE(SetPropStringByName(&o, name, text)) << ToUtf8(String(name));
-    return GetPropStringByName(&o, name);
+  struct Case {
+    StringView name;
+    StringView text;
+    StringView expected;
   };
-  EXPECT_EQ(write_read(u"Int", u"-42"), u"-42");
-  EXPECT_EQ(write_read(u"Int", u"abc"), u"0");
-  EXPECT_EQ(write_read(u"Int", u"4294967297"), u"0");  // beyond 32 bits is not an integer
-  EXPECT_EQ(write_read(u"Ch", u"řx"), u"Y");  // U+0159 cut to 8 bits is 0x59
-  EXPECT_EQ(write_read(u"Ch", u""), String(1, u'\0'));
-  EXPECT_EQ(write_read(u"WCh", u"€"), u"€");
-  EXPECT_EQ(write_read(u"WCh", u""), String(1, u'\0'));
-  EXPECT_EQ(write_read(u"Mode", u"2"), u"pmFast");
-  EXPECT_EQ(write_read(u"Mode", u"pmslow"), u"pmSlow");
-  EXPECT_EQ(write_read(u"Modes", u"5"), u"5");
-  EXPECT_EQ(write_read(u"Flt", u"2.5"), u"2.5");
-  EXPECT_EQ(write_read(u"Flt", u""), u"0");
-  EXPECT_EQ(write_read(u"Short", u"krátký"), u"krátký");
-  EXPECT_EQ(write_read(u"Ansi", u"dlouhý"), u"dlouhý");
-  EXPECT_EQ(write_read(u"Uni", u"Unicode ✓"), u"Unicode ✓");
-  EXPECT_EQ(write_read(u"Big", u"-9000000000"), u"-9000000000");
-  EXPECT_EQ(write_read(u"Big", u"12x"), u"0");
-  EXPECT_EQ(write_read(u"Flag", u"1"), u"True");
-  EXPECT_EQ(write_read(u"Flag", u"false"), u"False");
+  static constexpr Case kCases[] = {
+      {u"Int", u"-42", u"-42"},
+      {u"Int", u"abc", u"0"},
+      {u"Int", u"-2147483648", u"-2147483648"},
+      {u"Int", u"-922337203685477580805", u"0"},  // huge numbers never wrap into small ones
+      {u"Int", u"4294967297", u"0"},              // nor does anything beyond 32 bits
+      {u"Ch", u"řx", u"Y"},  // U+0159 cut to 8 bits is 0x59
+      {u"Ch", u"", StringView(u"\0", 1)},
+      {u"WCh", u"€", u"€"},
+      {u"WCh", u"", StringView(u"\0", 1)},
+      {u"Mode", u"2", u"pmFast"},
+      {u"Mode", u"pmslow", u"pmSlow"},
+      {u"Modes", u"5", u"5"},
+      {u"Flt", u"2.5", u"2.5"},
+      {u"Flt", u"", u"0"},
+      {u"Short", u"krátký", u"krátký"},
+      {u"Ansi", u"dlouhý", u"dlouhý"},
+      {u"Uni", u"Unicode ✓", u"Unicode ✓"},
+      {u"Big", u"-9000000000", u"-9000000000"},
+      {u"Big", u"12x", u"0"},
+      {u"Big", u"-9223372036854775808", u"-9223372036854775808"},
+      {u"Big", u"9223372036854775808", u"0"},
+      {u"Big", u"-92233720368547758085", u"0"},
+      {u"Flag", u"1", u"True"},
+      {u"Flag", u"false", u"False"},
+      {u"Meth", u"12;34", u"12;34"},
+      {u"Meth", u"56", u"0;56"},  // without ";" the whole text is the data part
+      {u"Wide", u"new", u""},      // wide strings and variants read empty and are never written
+      {u"Var", u"4", u""},
+  };
+  TAllKinds o;
   EXPECT_EQ(GetPropStringByName(&o, u"Meth"), u"0;0");
-  EXPECT_EQ(write_read(u"Meth", u"12;34"), u"12;34");
-  EXPECT_EQ(o.Meth, (TMethod{12, 34}));
-  EXPECT_EQ(write_read(u"Meth", u"56"), u"0;56");  // without ";" the whole text is the data part
-
-  // Wide strings and variants read empty and are never written.
   o.Wide.Text = u"kept";
   o.Var = int64_t{3};
-  EXPECT_EQ(write_read(u"Wide", u"new"), u"");
-  EXPECT_EQ(write_read(u"Var", u"4"), u"");
+  for (const Case& c : kCases) {
+    SCOPED_TRACE(ToUtf8(c.name) + " " + ToUtf8(c.text));
+    EXPECT_TRUE(SetPropStringByName(&o, c.name, String(c.text)));
+    EXPECT_EQ(GetPropStringByName(&o, c.name), c.expected);
+  }
   EXPECT_EQ(o.Wide.Text, u"kept");
   EXPECT_EQ(std::get<int64_t>(o.Var), 3);
 }
@@ -155,34 +161,21 @@ TEST(PropertyAccess, ObjectReferencesTravelAsHandleNumbers) {
   EXPECT_EQ(GetPropStringByName(&o, u"Obj"), u"0");
   o.Obj = &target;
   const String number = GetPropStringByName(&o, u"Obj");
-  EXPECT_NE(number, u"0");
   o.Obj = nullptr;
   ASSERT_TRUE(SetPropStringByName(&o, u"obj", number));
-  EXPECT_EQ(o.Obj, &target);
   EXPECT_EQ(GetObjectPropByName(&o, u"OBJ"), &target);
-  // A number that names no object, or junk, gives none.
-  SetPropStringByName(&o, u"Obj", u"2000000000");
-  EXPECT_EQ(o.Obj, nullptr);
-  o.Obj = &target;
-  SetPropStringByName(&o, u"Obj", u"junk");
-  EXPECT_EQ(o.Obj, nullptr);
-  // An object of the wrong class is refused by the property.
+  // A number that names no object, junk, or an object of the wrong class gives none.
   TAllKinds other;
-  SetPropStringByName(&o, u"Obj", IntToStr(ObjectHandles::HandleOf(&other)));
-  EXPECT_EQ(o.Obj, nullptr);
-
+  for (const String& text : {String(u"2000000000"), String(u"junk"), IntToStr(ObjectHandles::HandleOf(&other))}) {
+    o.Obj = &target;
+    SetPropStringByName(&o, u"Obj", text);
+    EXPECT_EQ(o.Obj, nullptr) << ToUtf8(text);
+  }
   EXPECT_TRUE(SetObjectPropByName(&o, u"Obj", &target));
   EXPECT_EQ(o.Obj, &target);
   EXPECT_FALSE(SetObjectPropByName(&o, u"Int", &target));
   EXPECT_FALSE(SetObjectPropByName(&o, u"none", &target));
   EXPECT_EQ(GetObjectPropByName(&o, u"Int"), nullptr);
-  EXPECT_EQ(GetObjectPropByName(&o, u"none"), nullptr);
-}
-
-TEST(PropertyAccess, ReadOnlyPropertyIsFoundButNotWritten) {
-  TAllKinds o;
-  EXPECT_TRUE(SetPropStringByName(&o, u"Fixed", u"99"));
-  EXPECT_EQ(GetPropStringByName(&o, u"Fixed"), u"7");
 }
 
 TEST(PropertyAccess, FailingReadsGiveErrorTextsAndFailingWritesAreReported) {
@@ -202,20 +195,6 @@ TEST(PropertyAccess, FailingReadsGiveErrorTextsAndFailingWritesAreReported) {
   EXPECT_EQ(captured.Entries()[0].Kind, MessageKind::Error);
 }
 
-TEST(PropertyAccess, HugeNumbersNeverWrapIntoSmallOnes) {
-  TAllKinds o;
-  SetPropStringByName(&o, u"Big", u"-92233720368547758085");
-  EXPECT_EQ(o.Big, 0);
-  SetPropStringByName(&o, u"Big", u"-9223372036854775808");
-  EXPECT_EQ(o.Big, INT64_MIN);
-  SetPropStringByName(&o, u"Big", u"9223372036854775808");
-  EXPECT_EQ(o.Big, 0);
-  SetPropStringByName(&o, u"Int", u"-922337203685477580805");
-  EXPECT_EQ(o.Int, 0);
-  SetPropStringByName(&o, u"Int", u"-2147483648");
-  EXPECT_EQ(o.Int, INT32_MIN);
-}
-
 TEST(PropertyAccess, RandomTextsWrittenToEveryPropertyNeverCrash) {
   CapturedMessages captured;
   std::mt19937 random(20261121);
@@ -226,7 +205,7 @@ TEST(PropertyAccess, RandomTextsWrittenToEveryPropertyNeverCrash) {
   TOwnerElement owner;
   TVeskaClassProperty property;
   TObject* const objects[] = {&all, &named, &owner, &property};
-  for (int round = 0; round < 300; ++round) {
+  for (int round = 0; round < 200; ++round) {
     for (TObject* object : objects) {
       for (int i = 0; i < GetPropCount(object); ++i) {
         String text;

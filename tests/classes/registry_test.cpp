@@ -29,33 +29,29 @@ std::vector<String> Names(TVeskaClasses& registry) {
   return names;
 }
 
-TEST(ClassRegistry, ClassesAreNumberedInRegistrationOrderAndSortedByName) {
+TEST(ClassRegistry, ClassesAreNumberedInRegistrationOrderAndShowTheirProperties) {
   TVeskaClasses registry;
   registry.AddClass(TOwnerElement::StaticClassInfo());
   registry.AddClass(TElement::StaticClassInfo());
   EXPECT_EQ(registry.CurrentClass()->ID, 1);
   EXPECT_EQ(registry.GetVeskaClassByName(u"TOwnerElement")->ID, 0);
-  EXPECT_EQ(Names(registry), (std::vector<String>{u"TElement", u"TOwnerElement"}));
-  // Without ShowProperties a record has no children; with it one per published property.
-  EXPECT_EQ(registry.GetVeskaClassByName(u"TElement")->ElementsCount(), 0);
+  EXPECT_EQ(registry.CurrentClass()->ElementsCount(), 0) << "without ShowProperties no children";
   registry.ShowProperties = true;
   registry.AddClass(TNameElement::StaticClassInfo());
   TVeskaClass* shown = registry.CurrentClass();
   ASSERT_EQ(shown->ElementsCount(), shown->PropCount);
   EXPECT_EQ(shown->Get(1)->GetName(), u"Name");
-  EXPECT_EQ(shown->ID, 2);
 }
 
-TEST(ClassRegistry, NamesAreOrderedIgnoringCase) {
+TEST(ClassRegistry, NamesAreSortedIgnoringCaseWhateverSortByNameSays) {
   TVeskaClasses registry;
+  registry.SetSortByName(false);
+  EXPECT_TRUE(registry.SortByName);
   for (const char16_t* name : {u"B", u"a", u"C"}) registry.AddVeskaClass(Record(name));
   EXPECT_EQ(Names(registry), (std::vector<String>{u"a", u"B", u"C"}));
   EXPECT_EQ(registry.GetVeskaClassByName(u"b")->ID, 0);
-  EXPECT_EQ(registry.GetVeskaClassByName(u"A")->ID, 1);
-  EXPECT_EQ(registry.CurrentClass()->GetName(), u"a");
   EXPECT_EQ(registry.GetVeskaClassByName(u"d"), nullptr);
-  EXPECT_EQ(registry.CurrentClass()->GetName(), u"a");  // a miss keeps the current class
-  EXPECT_EQ(registry.GetClass(u"d"), nullptr);
+  EXPECT_EQ(registry.CurrentClass()->GetName(), u"B") << "a miss keeps the current class";
 
   // Many names in any order come out sorted, whichever path of the search places them.
   TVeskaClasses many;
@@ -75,12 +71,6 @@ TEST(ClassRegistry, DuplicateNameIsKeptBehindTheFirstAndLookupsFindTheFirst) {
   EXPECT_EQ(Names(registry), (std::vector<String>{u"Dup", u"dup", u"DUP", u"Zed"}));
   EXPECT_EQ(registry.GetClass(u"dUp"), &TNameElement::StaticClassInfo());
   EXPECT_EQ(registry.CurrentClass()->ID, 0);
-
-  TVeskaClasses at_end;
-  at_end.AddVeskaClass(Record(u"Only", TNameElement::StaticClassInfo()));
-  at_end.AddVeskaClass(Record(u"only", TOwnerElement::StaticClassInfo()));
-  EXPECT_EQ(Names(at_end), (std::vector<String>{u"Only", u"only"}));
-  EXPECT_EQ(at_end.GetClass(u"ONLY"), &TNameElement::StaticClassInfo());
 }
 
 TEST(ClassRegistry, FindIndexReportsPositionAndInsertPlace) {
@@ -89,29 +79,21 @@ TEST(ClassRegistry, FindIndexReportsPositionAndInsertPlace) {
   EXPECT_EQ(registry.FindIndex(u"x", insert), -1);
   EXPECT_EQ(insert, -1);
   for (const char16_t* name : {u"b", u"d", u"f", u"h"}) registry.AddVeskaClass(Record(name));
-  EXPECT_EQ(registry.FindIndex(u"z", insert), -1);
-  EXPECT_EQ(insert, -1);
-  EXPECT_EQ(registry.FindIndex(u"H", insert), 3);
-  EXPECT_EQ(insert, -1);
-  EXPECT_EQ(registry.FindIndex(u"a", insert), -1);
-  EXPECT_EQ(insert, 0);
-  EXPECT_EQ(registry.FindIndex(u"B", insert), 0);
-  EXPECT_EQ(insert, 1);
-  EXPECT_EQ(registry.FindIndex(u"e", insert), -1);
-  EXPECT_EQ(insert, 2);
-  EXPECT_EQ(registry.FindIndex(u"d", insert), 1);
-  EXPECT_EQ(insert, 2);
+  struct Case {
+    StringView name;
+    int index;
+    int insert;
+  };
+  static constexpr Case kCases[] = {{u"z", -1, -1}, {u"H", 3, -1}, {u"a", -1, 0},
+                                    {u"B", 0, 1},   {u"e", -1, 2}, {u"d", 1, 2}};
+  for (const Case& c : kCases) {
+    SCOPED_TRACE(ToUtf8(c.name));
+    EXPECT_EQ(registry.FindIndex(String(c.name), insert), c.index);
+    EXPECT_EQ(insert, c.insert);
+  }
 }
 
-TEST(ClassRegistry, SortByNameIgnoresWhatIsWritten) {
-  TVeskaClasses registry;
-  registry.SetSortByName(false);
-  EXPECT_TRUE(registry.SortByName);
-  for (const char16_t* name : {u"c", u"a", u"b"}) registry.AddVeskaClass(Record(name));
-  EXPECT_EQ(Names(registry), (std::vector<String>{u"a", u"b", u"c"}));
-}
-
-TEST(ClassRegistry, UnknownNamesGiveNoneOrRaise) {
+TEST(ClassRegistry, UnknownNameGivesNoneOrRaisesWithItsName) {
   EXPECT_EQ(GetVeskaClass(u"xyz"), nullptr);
   try {
     FindVeskaClass(u"xyz");
@@ -120,10 +102,6 @@ TEST(ClassRegistry, UnknownNamesGiveNoneOrRaise) {
     EXPECT_EQ(error.Message(), u"Veska nenašel třídu xyz");
   }
   EXPECT_EQ(FindVeskaClass(u"telement"), &TElement::StaticClassInfo());
-
-  CapturedMessages captured;
-  EXPECT_EQ(CreateElementByName(u"Nic"), nullptr);
-  EXPECT_EQ(captured.Texts(), (std::vector<String>{u"Neregistrovaný element: Nic"}));
 }
 
 TEST(ClassRegistry, LibraryClassesAreRegisteredInUnitOrder) {
@@ -143,8 +121,6 @@ TEST(ClassRegistry, LibraryClassesAreRegisteredInUnitOrder) {
   EXPECT_EQ(registry.GetVeskaClassByName(u"TNameElement")->GetUnit_Name(), u"Elements");
   EXPECT_EQ(registry.GetVeskaClassByName(u"TNameElement")->GetAncestorClassName(), u"TElement");
   EXPECT_EQ(GetVeskaClass(u"TVeskaInstance"), nullptr);  // not registered
-  const std::vector<String> names = Names(registry);
-  for (std::size_t i = 1; i < names.size(); ++i) EXPECT_LE(CompareText(names[i - 1], names[i]), 0);
 }
 
 class TTwiceNamed : public TNameElement {
@@ -159,16 +135,12 @@ class TTwiceNamed : public TNameElement {
 
 TEST(ClassRecord, PropertyTableAndItsQuestions) {
   TVeskaClass record;
-  EXPECT_FALSE(record.HasPropertyTable());
   EXPECT_TRUE(record.GetPropertyStored(0));  // no table: everything counts as stored
   EXPECT_TRUE(record.GetPropertyIsReadOnly(0));
   EXPECT_TRUE(record.GetPropertyIsWriteOnly(0));
   EXPECT_TRUE(record.GetPropertyIsReadOrWriteOnly(0));
-  EXPECT_EQ(record.GetElementClassName(), u"");
-  EXPECT_EQ(record.GetAncestorClassName(), u"");
 
   record.SetElementClass(&TTwiceNamed::StaticClassInfo());
-  EXPECT_EQ(record.GetName(), u"TTwiceNamed");
   EXPECT_TRUE(record.IsClassName(u"ttwicenamed"));
   const int count = TTwiceNamed::StaticClassInfo().PropCount();
   ASSERT_EQ(record.PropCount, count);
@@ -178,7 +150,6 @@ TEST(ClassRecord, PropertyTableAndItsQuestions) {
   EXPECT_FALSE(record.GetPropertyStored(count - 2));
   EXPECT_TRUE(record.GetPropertyStored(count - 1));
   EXPECT_EQ(record.GetPropertyTypeKind(count - 1), TTypeKind::tkInteger);
-  EXPECT_EQ(record.GetPropertyClass(count - 1), nullptr);
   const int owners = record.PropertyIndex(u"OwnersCount");
   EXPECT_TRUE(record.GetPropertyIsReadOnly(owners));
   EXPECT_FALSE(record.GetPropertyIsWriteOnly(owners));
@@ -188,7 +159,6 @@ TEST(ClassRecord, PropertyTableAndItsQuestions) {
   record.SetElementClass(nullptr);
   EXPECT_FALSE(record.HasPropertyTable());
   EXPECT_EQ(record.PropCount, count);  // kept as it was
-  EXPECT_EQ(record.PropertyIndex(u"id"), -1);
 }
 
 // The element whose copy is tested: one property of each kind that copying treats apart.
@@ -227,7 +197,6 @@ TEST(ClassInstance, CopyIsShallowAndSkipsEightBitAndWideStrings) {
   EXPECT_EQ(copy->Ansi.Bytes, "");
   EXPECT_EQ(copy->Wide.Text, u"");
   EXPECT_EQ(copy->Hidden, 0);  // not stored, not copied
-  EXPECT_EQ(CreateElementCopy(nullptr), nullptr);
 }
 
 TEST(ClassInstance, ReadsEveryKindButNeverWritesEightBitOrWideStrings) {
@@ -239,10 +208,8 @@ TEST(ClassInstance, ReadsEveryKindButNeverWritesEightBitOrWideStrings) {
   instance.SetElementClass(&TCopySource::StaticClassInfo());
   EXPECT_FALSE(instance.GetPropertyStored(0));  // a table but no instance
   instance.SetInstance(&element);
-  EXPECT_TRUE(instance.GetPropertyStored(instance.PropertyIndex(u"Uni")));
   EXPECT_FALSE(instance.GetPropertyStored(instance.PropertyIndex(u"Hidden")));
-
-  for (const char16_t* name : {u"Ansi", u"Wide"}) {
+  for (const char16_t* name : {u"Ansi", u"Wide", u"Uni"}) {
     const int index = instance.PropertyIndex(name);
     TPropertyBuffer buffer;
     instance.GetPropertyValue(index, buffer);
@@ -251,10 +218,8 @@ TEST(ClassInstance, ReadsEveryKindButNeverWritesEightBitOrWideStrings) {
   }
   EXPECT_EQ(element.Ansi.Bytes, "a");
   EXPECT_EQ(element.Wide.Text, u"w");
+  EXPECT_EQ(element.Uni, u"changed");
 
-  const int uni = instance.PropertyIndex(u"Uni");
-  instance.SetPropertyValue(uni, TPropertyBuffer{String(u"written")});
-  EXPECT_EQ(element.Uni, u"written");
   TNameElement partner;
   const int partner_index = instance.PropertyIndex(u"Partner");
   instance.SetPropertyValue(partner_index, TPropertyBuffer{ObjectHandles::HandleOf(&partner)});
@@ -283,17 +248,14 @@ class TBadReference : public TNameElement {
 };
 
 TEST(ClassRecord, SelfCheckPostsOneTextPerStoredNonElementReference) {
-  struct Posted {
-    String Text;
-    int32_t Message;
-    TElement* Sender;
-  };
-  std::vector<Posted> posted;
+  std::vector<String> posted;  // level-8 texts without a sender
   Application().ClearMessages();
   const TWindowProc previous = Application().SetWindowProc([&](TWindowMessage& message) {
     auto* text = dynamic_cast<TVeskaTextMessage*>(
         TVeskaMessage::FromWindowMessage(message.Msg, message.WParam, message.LParam));
-    if (text != nullptr) posted.push_back({text->GetMessageText(), text->Message, text->Sender});
+    if (text != nullptr && text->Message == tm_Text && text->Sender == nullptr) {
+      posted.push_back(text->GetMessageText());
+    }
     return false;  // not taken: the queue frees the message
   });
   TVeskaClass record;
@@ -303,10 +265,7 @@ TEST(ClassRecord, SelfCheckPostsOneTextPerStoredNonElementReference) {
   EXPECT_EQ(Application().PendingMessageCount(), 1U);
   Application().ProcessMessages();
   Application().SetWindowProc(previous);
-  ASSERT_EQ(posted.size(), 1U);
-  EXPECT_EQ(posted[0].Text, u"TBadReference property \"Foreign\" is not Element");
-  EXPECT_EQ(posted[0].Message, tm_Text);
-  EXPECT_EQ(posted[0].Sender, nullptr);
+  EXPECT_EQ(posted, std::vector<String>{u"TBadReference property \"Foreign\" is not Element"});
 
   // The library's own classes are all sound.
   CHeckVeskaClasses();

@@ -48,41 +48,45 @@ T* AddNamed(TEntity& owner, const String& name) {
   return element;
 }
 
-// Root holds ABC (a named element) and Sub (an entity that holds Leaf).
+// Root holds ABC (a named element) and Sub (an entity that holds Leaf). Root's Link is Sub; its
+// Note is the note "first", whose Next is "second", whose Target is Leaf.
 struct PathTree {
   std::unique_ptr<TPathEntity> root = std::make_unique<TPathEntity>();
   TNameElement* abc;
   TPathEntity* sub;
   TNameElement* leaf;
+  TPathNote first;
+  TPathNote second;
 
   PathTree() {
     root->SetName(u"Root");
     abc = AddNamed<TNameElement>(*root, u"ABC");
     sub = AddNamed<TPathEntity>(*root, u"Sub");
     leaf = AddNamed<TNameElement>(*sub, u"Leaf");
+    first.Title = u"first";
+    second.Title = u"second";
+    first.Next = &second;
+    second.Target = leaf;
+    root->Link = sub;
+    root->Note = &first;
   }
 };
 
-// The message of the Exception that the call raises; a failure when it returns.
-template <class Call>
-String ErrorOf(Call&& call) {
+enum class Operation { Text, List, Element };
+
+// The message of the Exception that the operation raises; a failure when it returns.
+String ErrorOf(TElement& start, Operation operation, const String& command) {
   try {
-    call();
+    switch (operation) {
+      case Operation::Text: start.ExecuteCommandLine(command); break;
+      case Operation::List: delete start.ExecuteCommandLineToList(command); break;
+      case Operation::Element: start.ExecuteCommandLineToElement(command); break;
+    }
   } catch (const Exception& error) {
     return error.Message();
   }
   ADD_FAILURE() << "no exception";
   return String();
-}
-
-String TextError(TElement& start, const String& command) {
-  return ErrorOf([&] { start.ExecuteCommandLine(command); });
-}
-String ListError(TElement& start, const String& command) {
-  return ErrorOf([&] { delete start.ExecuteCommandLineToList(command); });
-}
-String ElementError(TElement& start, const String& command) {
-  return ErrorOf([&] { start.ExecuteCommandLineToElement(command); });
 }
 
 std::vector<String> Lines(TElement& start, const String& command) {
@@ -92,168 +96,126 @@ std::vector<String> Lines(TElement& start, const String& command) {
   return lines;
 }
 
-TEST(PathCommands, LastPropertyIsReadAsText) {
-  TNameElement named;
-  named.SetName(u"Solo");
-  EXPECT_EQ(named.ExecuteCommandLine(u"Name"), u"Solo");
-  EXPECT_EQ(named.ExecuteCommandLine(u"  Name  "), u"Solo");
-  EXPECT_EQ(named.ExecuteCommandLine(u"ID"), u"-1");
-  TElement plain;
-  EXPECT_EQ(plain.ExecuteCommandLine(u"Name"), u"TElement");
-  // An unknown or empty property reads as empty text, as by-name access gives it.
-  EXPECT_EQ(plain.ExecuteCommandLine(u"NoSuchProperty"), u"");
-  EXPECT_EQ(plain.ExecuteCommandLine(u""), u"");
-}
-
-TEST(PathCommands, SearchWordsAcceptAnyLetterCase) {
+TEST(PathCommands, TextCommandReadsTheLastPropertyOfTheObjectReached) {
+  static constexpr std::pair<StringView, StringView> kCases[] = {
+      {u"Name", u"Root"},
+      {u"NoSuchProperty", u""},  // read as by-name access reads it
+      {u"FINDELEMENTBYNAME(abc).Name", u"ABC"},
+      {u"findelementbyname(abc).Name", u"ABC"},
+      {u" FindElementByName ( abc ) . Name ", u"ABC"},
+      {u"FINDELEMENTBYNAME(Sub).FINDELEMENTBYNAME(leaf).Name", u"Leaf"},
+      {u"FINDELEMENTBYCLASS(TEntity).Name", u"Sub"},
+      {u"findElementByClass(TElement).Name", u"ABC"},  // a descendant of the class
+      {u"FINDELEMENTBYNAME(ABC) ignored .Name", u"ABC"},  // text between ")" and "." is ignored
+      // Object-valued properties are followed into any object, element or not.
+      {u"Link.FINDELEMENTBYNAME(Leaf).Name", u"Leaf"},
+      {u"Note.Next.Target.Name", u"Leaf"},
+      // A stray ")" is skipped; a token in front of it that another token follows is dropped.
+      {u"Link).Name", u"Sub"},
+      {u")Name", u"Root"},
+      {u"Link)Name", u"Root"},
+      {u"FINDELEMENTBYNAME)(ABC).Name", u"ABC"},
+  };
   PathTree tree;
-  EXPECT_EQ(tree.root->ExecuteCommandLine(u"FINDELEMENTBYNAME(abc).Name"), u"ABC");
-  EXPECT_EQ(tree.root->ExecuteCommandLine(u"findelementbyname(abc).Name"), u"ABC");
-  EXPECT_EQ(tree.root->ExecuteCommandLine(u" FindElementByName ( abc ) . Name "), u"ABC");
-  EXPECT_EQ(tree.root->ExecuteCommandLine(u"FINDELEMENTBYNAME(Sub).FINDELEMENTBYNAME(leaf).Name"), u"Leaf");
-  EXPECT_EQ(tree.root->ExecuteCommandLine(u"FINDELEMENTBYCLASS(TEntity).Name"), u"Sub");
-  EXPECT_EQ(tree.root->ExecuteCommandLine(u"findElementByClass(tnameelement).Name"), u"ABC");
-  EXPECT_EQ(tree.root->ExecuteCommandLine(u"FINDELEMENTBYCLASS(TElement).Name"), u"ABC");
-}
-
-TEST(PathCommands, ObjectPropertiesAreFollowedIntoAnyObject) {
-  PathTree tree;
-  TPathNote first;
-  TPathNote second;
-  first.Title = u"first";
-  second.Title = u"second";
-  first.Next = &second;
-  second.Target = tree.leaf;
-  tree.root->Link = tree.sub;
-  tree.root->Note = &first;
-
-  EXPECT_EQ(tree.root->ExecuteCommandLine(u"Link.Name"), u"Sub");
-  EXPECT_EQ(tree.root->ExecuteCommandLine(u"Link.FINDELEMENTBYNAME(Leaf).Name"), u"Leaf");
-  EXPECT_EQ(tree.root->ExecuteCommandLine(u"Note.Next.Title"), u"second");
-  EXPECT_EQ(tree.root->ExecuteCommandLine(u"Note.Next.Target.Name"), u"Leaf");
-  EXPECT_EQ(tree.root->ExecuteCommandLineToElement(u"Note.Next"), &second);
-  EXPECT_EQ(tree.root->ExecuteCommandLineToElement(u"Note.Next.Target"), tree.leaf);
-  EXPECT_EQ(Lines(*tree.root, u"Note.Title"), std::vector<String>{u"first"});
-}
-
-TEST(PathCommands, NoObjectReportsTheWholeCommand) {
-  PathTree tree;
-  for (const String command : {u"FINDELEMENTBYNAME(nobody).Name", u"FINDELEMENTBYCLASS(TNoSuchClass).Name",
-                               u"LOOKUP(ABC).Name", u"Link.Name", u"Name.Name", u".Name"}) {
-    const String expected = u"Chyba ... nenalezl jsem objekt " + command;
-    EXPECT_EQ(TextError(*tree.root, command), expected);
-    EXPECT_EQ(ListError(*tree.root, command), expected);
-    EXPECT_EQ(ElementError(*tree.root, command), expected);
+  for (const auto& [command, expected] : kCases) {
+    SCOPED_TRACE(ToUtf8(command));
+    EXPECT_EQ(tree.root->ExecuteCommandLine(String(command)), expected);
   }
 }
 
-TEST(PathCommands, SearchInNonEntityReportsThePositionBeforeTheParenthesis) {
+TEST(PathCommands, ElementCommandReturnsTheObjectReachedOrNone) {
   PathTree tree;
-  TNameElement plain;
-  EXPECT_EQ(TextError(plain, u"FINDELEMENTBYNAME(x).Name"), u"Objekt na pozici 17 není Entita ... nelze prohledávat");
-  EXPECT_EQ(ListError(plain, u"FINDELEMENTBYCLASS(x).Name"), u"Objekt na pozici 18 není Entita ... nelze prohledávat");
-  EXPECT_EQ(ElementError(plain, u"FINDELEMENTBYNAME (x)"), u"Objekt na pozici 18 není Entita ... nelze prohledávat");
-  // The entity test comes before the search word is looked at.
-  EXPECT_EQ(TextError(plain, u"(x).Name"), u"Objekt na pozici 0 není Entita ... nelze prohledávat");
-  EXPECT_EQ(TextError(*tree.root, u"FINDELEMENTBYNAME(ABC).FINDELEMENTBYNAME(x).Name"),
-            u"Objekt na pozici 40 není Entita ... nelze prohledávat");
-}
-
-TEST(PathCommands, SearchArgumentMustEndWithClosingParenthesis) {
-  PathTree tree;
-  // Position 20 is just past the end of the command.
-  EXPECT_EQ(TextError(*tree.root, u"FINDELEMENTBYNAME(x"), u"Chyba syntaxe. .. na pozici 20 očekávám \")\"");
-  EXPECT_EQ(ListError(*tree.root, u"FINDELEMENTBYNAME(x"), u"Chyba syntaxe. .. na pozici 20 očekávám \")\"");
-  EXPECT_EQ(ElementError(*tree.root, u"FINDELEMENTBYNAME(x"), u"Chyba syntaxe. .. na pozici 20 očekávám \")\"");
-  EXPECT_EQ(TextError(*tree.root, u"FINDELEMENTBYNAME(ABC.Name"), u"Chyba syntaxe. .. na pozici 22 očekávám \")\"");
-  EXPECT_EQ(TextError(*tree.root, u"FINDELEMENTBYNAME(ABC(Name"), u"Chyba syntaxe. .. na pozici 22 očekávám \")\"");
-  // An unknown word is a syntax error first and a missing object only afterwards.
-  EXPECT_EQ(TextError(*tree.root, u"LOOKUP(x"), u"Chyba syntaxe. .. na pozici 9 očekávám \")\"");
-}
-
-TEST(PathCommands, SearchMustBeFollowedByDotExceptAtTheEndOfAnElementCommand) {
-  PathTree tree;
-  EXPECT_EQ(TextError(*tree.root, u"FINDELEMENTBYNAME(x)Name"), u"Chyba syntaxe. .. na pozici 20 očekávám \".\"");
-  EXPECT_EQ(ListError(*tree.root, u"FINDELEMENTBYNAME(x)Name"), u"Chyba syntaxe. .. na pozici 20 očekávám \".\"");
-  EXPECT_EQ(TextError(*tree.root, u"FINDELEMENTBYNAME(ABC)"), u"Chyba syntaxe. .. na pozici 22 očekávám \".\"");
-  EXPECT_EQ(ListError(*tree.root, u"FINDELEMENTBYNAME(ABC)"), u"Chyba syntaxe. .. na pozici 22 očekávám \".\"");
-  EXPECT_EQ(ElementError(*tree.root, u"FINDELEMENTBYNAME(ABC))"), u"Chyba syntaxe. .. na pozici 22 očekávám \".\"");
-  EXPECT_EQ(ElementError(*tree.root, u"FINDELEMENTBYNAME(ABC) x (y)"),
-            u"Chyba syntaxe. .. na pozici 22 očekávám \".\"");
-  // Text between ")" and "." is ignored.
-  EXPECT_EQ(tree.root->ExecuteCommandLine(u"FINDELEMENTBYNAME(ABC) ignored .Name"), u"ABC");
-}
-
-TEST(PathCommands, ElementCommandReturnsTheObjectReached) {
-  PathTree tree;
-  TPathNote note;
-  tree.root->Note = &note;
-  EXPECT_EQ(tree.root->ExecuteCommandLineToElement(u"FINDELEMENTBYNAME(ABC)"), tree.abc);
-  EXPECT_EQ(tree.root->ExecuteCommandLineToElement(u"FINDELEMENTBYNAME(Sub).FINDELEMENTBYNAME(Leaf)"), tree.leaf);
-  EXPECT_EQ(tree.root->ExecuteCommandLineToElement(u"FINDELEMENTBYCLASS(TEntity)"), tree.sub);
-  // The text behind the closing ")" is read and ignored when the command ends there.
-  EXPECT_EQ(tree.root->ExecuteCommandLineToElement(u"FINDELEMENTBYNAME(ABC)Name"), tree.abc);
-  // A search that closes the command may find nothing: none, not an error.
-  EXPECT_EQ(tree.root->ExecuteCommandLineToElement(u"FINDELEMENTBYNAME(nobody)"), nullptr);
-  EXPECT_EQ(tree.root->ExecuteCommandLineToElement(u"LOOKUP(ABC)"), nullptr);
-  // A final property: its object, of any class, or none when it is empty or not an object.
-  EXPECT_EQ(tree.root->ExecuteCommandLineToElement(u"Note"), &note);
-  EXPECT_EQ(tree.root->ExecuteCommandLineToElement(u"Link"), nullptr);
-  EXPECT_EQ(tree.root->ExecuteCommandLineToElement(u"Name"), nullptr);
-  EXPECT_EQ(tree.root->ExecuteCommandLineToElement(u""), nullptr);
-}
-
-TEST(PathCommands, StrayClosingParenthesisIsSkipped) {
-  PathTree tree;
-  tree.root->Link = tree.abc;
-  EXPECT_EQ(tree.root->ExecuteCommandLine(u"Link).Name"), u"ABC");
-  EXPECT_EQ(tree.root->ExecuteCommandLine(u"Link ) ) .Name"), u"ABC");
-  EXPECT_EQ(tree.root->ExecuteCommandLine(u"Name)"), u"Root");
-  EXPECT_EQ(tree.root->ExecuteCommandLine(u")Name"), u"Root");
-  // A token in front of ")" that another token follows is dropped.
-  EXPECT_EQ(tree.root->ExecuteCommandLine(u"Link)Name"), u"Root");
-  EXPECT_EQ(tree.root->ExecuteCommandLine(u"FINDELEMENTBYNAME(Sub).)FINDELEMENTBYNAME(Leaf).Name"), u"Leaf");
-  EXPECT_EQ(tree.root->ExecuteCommandLine(u"FINDELEMENTBYNAME)(ABC).Name"), u"ABC");
-  EXPECT_EQ(tree.root->ExecuteCommandLineToElement(u"Link)"), tree.abc);
-  EXPECT_EQ(Lines(*tree.root, u"ELEMENT).Name"), (std::vector<String>{u"ABC", u"Sub"}));
+  const std::pair<StringView, const TObject*> cases[] = {
+      {u"FINDELEMENTBYNAME(ABC)", tree.abc},
+      {u"FINDELEMENTBYNAME(ABC)Name", tree.abc},  // the text behind ")" is read and ignored
+      {u"FINDELEMENTBYNAME(nobody)", nullptr},     // a final search may find nothing
+      {u"LOOKUP(ABC)", nullptr},
+      {u"Note", &tree.first},  // a final property: its object, of any class
+      {u"Note.Next.Target", tree.leaf},
+      {u"Link)", tree.sub},
+      {u"Note.Target", nullptr},  // empty
+      {u"Name", nullptr},         // not an object
+  };
+  for (const auto& [command, expected] : cases) {
+    SCOPED_TRACE(ToUtf8(command));
+    EXPECT_EQ(tree.root->ExecuteCommandLineToElement(String(command)), expected);
+  }
 }
 
 TEST(PathCommands, ListGivesOneLinePerMemberOrTheLastProperty) {
   PathTree tree;
   AddNamed<TNameElement>(*tree.root, u"Third");
-  EXPECT_EQ(Lines(*tree.root, u"ELEMENT.Name"), (std::vector<String>{u"ABC", u"Sub", u"Third"}));
-  EXPECT_EQ(Lines(*tree.root, u" element . Name "), (std::vector<String>{u"ABC", u"Sub", u"Third"}));
-  EXPECT_EQ(Lines(*tree.root, u"FINDELEMENTBYNAME(Sub).ELEMENT.Name"), std::vector<String>{u"Leaf"});
-  EXPECT_EQ(Lines(*tree.root, u"FINDELEMENTBYNAME(Sub).ELEMENT._ClassName"), std::vector<String>{u"TNameElement"});
-  EXPECT_EQ(Lines(*tree.root, u"Name"), std::vector<String>{u"Root"});
-  EXPECT_EQ(Lines(*tree.sub, u"FINDELEMENTBYNAME(Leaf).Name"), std::vector<String>{u"Leaf"});
+  const std::vector<String> members{u"ABC", u"Sub", u"Third"};
+  const std::pair<StringView, std::vector<String>> cases[] = {
+      {u"ELEMENT.Name", members},
+      {u" element . Name ", members},
+      {u"FINDELEMENTBYNAME(Sub).ELEMENT.Name", {u"Leaf"}},
+      {u"Name", {u"Root"}},
+      {u"Note.Title", {u"first"}},
+  };
+  for (const auto& [command, expected] : cases) {
+    SCOPED_TRACE(ToUtf8(command));
+    EXPECT_EQ(Lines(*tree.root, String(command)), expected);
+  }
   TPathEntity empty;
   EXPECT_TRUE(Lines(empty, u"ELEMENT.Name").empty());
-  // Only the list operation knows the word: elsewhere it is a property name like any other.
-  EXPECT_EQ(TextError(*tree.root, u"ELEMENT.Name"), u"Chyba ... nenalezl jsem objekt ELEMENT.Name");
-  EXPECT_EQ(ElementError(*tree.root, u"ELEMENT.Name"), u"Chyba ... nenalezl jsem objekt ELEMENT.Name");
 }
 
-TEST(PathCommands, ListOfMembersNeedsAnEntityAndMustEndTheCommand) {
+TEST(PathCommands, NoObjectReportsTheWholeCommand) {
   PathTree tree;
-  TPathNote note;
-  tree.root->Note = &note;
-  EXPECT_EQ(ListError(*tree.abc, u"ELEMENT.Name"), u"Poslední objekt není Entita - nelze vytvořit seznam !");
-  EXPECT_EQ(ListError(*tree.root, u"FINDELEMENTBYNAME(ABC).ELEMENT.Name"),
-            u"Poslední objekt není Entita - nelze vytvořit seznam !");
-  EXPECT_EQ(ListError(*tree.root, u"Note.ELEMENT.Name"), u"Poslední objekt není ani Element, natož Entita !");
-  // The entity test comes before the rest of the command is read.
-  EXPECT_EQ(ListError(*tree.abc, u"ELEMENT.Name.x"), u"Poslední objekt není Entita - nelze vytvořit seznam !");
-  EXPECT_EQ(ListError(*tree.root, u"ELEMENT.Name.x"), u"Chybné zakončení příkazu: .");
-  EXPECT_EQ(ListError(*tree.root, u"ELEMENT.Name)"), u"Chybné zakončení příkazu: )");
-  EXPECT_EQ(ListError(*tree.root, u"ELEMENT.FINDELEMENTBYNAME(ABC)"), u"Chybné zakončení příkazu: (");
+  for (const String command : {u"FINDELEMENTBYNAME(nobody).Name", u"FINDELEMENTBYCLASS(TNoSuchClass).Name",
+                               u"LOOKUP(ABC).Name", u"Note.Target.Name", u"Name.Name", u".Name"}) {
+    for (Operation operation : {Operation::Text, Operation::List, Operation::Element}) {
+      EXPECT_EQ(ErrorOf(*tree.root, operation, command), u"Chyba ... nenalezl jsem objekt " + command);
+    }
+  }
+}
+
+TEST(PathCommands, SyntaxAndEntityErrorsGiveTheirTextAndPosition) {
+  using enum Operation;
+  struct Case {
+    Operation operation;
+    bool from_abc;  // start at the plain element ABC instead of the root entity
+    StringView command;
+    StringView expected;
+  };
+  static constexpr StringView kDot22 = u"Chyba syntaxe. .. na pozici 22 očekávám \".\"";
+  static constexpr StringView kNoEntityList = u"Poslední objekt není Entita - nelze vytvořit seznam !";
+  static constexpr Case kCases[] = {
+      // A search needs an entity; the position is that of the character before "(".
+      {Text, true, u"FINDELEMENTBYNAME(x).Name", u"Objekt na pozici 17 není Entita ... nelze prohledávat"},
+      {Element, true, u"FINDELEMENTBYNAME (x)", u"Objekt na pozici 18 není Entita ... nelze prohledávat"},
+      {Text, true, u"(x).Name", u"Objekt na pozici 0 není Entita ... nelze prohledávat"},  // before the word
+      // The argument must end with ")"; position 20 is just past the end of the command.
+      {Text, false, u"FINDELEMENTBYNAME(x", u"Chyba syntaxe. .. na pozici 20 očekávám \")\""},
+      {Element, false, u"FINDELEMENTBYNAME(ABC.Name", u"Chyba syntaxe. .. na pozici 22 očekávám \")\""},
+      {Text, false, u"LOOKUP(x", u"Chyba syntaxe. .. na pozici 9 očekávám \")\""},  // before the missing object
+      // After ")" a "." must follow, except where an element command ends.
+      {Text, false, u"FINDELEMENTBYNAME(x)Name", u"Chyba syntaxe. .. na pozici 20 očekávám \".\""},
+      {Text, false, u"FINDELEMENTBYNAME(ABC)", kDot22},
+      {Element, false, u"FINDELEMENTBYNAME(ABC))", kDot22},
+      // Only the list operation knows the word ELEMENT: elsewhere it is a property name.
+      {Text, false, u"ELEMENT.Name", u"Chyba ... nenalezl jsem objekt ELEMENT.Name"},
+      // A list of members needs an entity (tested before the rest is read) and ends the command.
+      {List, true, u"ELEMENT.Name", kNoEntityList},
+      {List, false, u"Note.ELEMENT.Name", u"Poslední objekt není ani Element, natož Entita !"},
+      {List, true, u"ELEMENT.Name.x", kNoEntityList},
+      {List, false, u"ELEMENT.Name.x", u"Chybné zakončení příkazu: ."},
+      {List, false, u"ELEMENT.Name)", u"Chybné zakončení příkazu: )"},
+      {List, false, u"ELEMENT.FINDELEMENTBYNAME(ABC)", u"Chybné zakončení příkazu: ("},
+  };
+  PathTree tree;
+  for (const Case& c : kCases) {
+    SCOPED_TRACE(ToUtf8(c.command));
+    TElement& start = c.from_abc ? static_cast<TElement&>(*tree.abc) : *tree.root;
+    EXPECT_EQ(ErrorOf(start, c.operation, String(c.command)), c.expected);
+  }
 }
 
 // Random commands built from the pieces of the grammar: every call of every operation either
 // answers or raises Exception; the sanitizer build checks that nothing leaks or crashes.
 TEST(PathCommands, RandomCommandsAnswerOrRaiseException) {
   PathTree tree;
-  tree.root->Link = tree.sub;
   static constexpr std::array<StringView, 12> kPieces{
       u"(", u")", u".", u" ", u"FINDELEMENTBYNAME", u"findelementbyclass", u"FINDELEMENTBYCLASS",
       u"ELEMENT", u"Name", u"x", u"Sub", u"Link"};
