@@ -9,6 +9,7 @@
 #include <cstdint>
 #include <filesystem>
 #include <fstream>
+#include <initializer_list>
 #include <limits>
 #include <random>
 #include <string>
@@ -20,9 +21,7 @@ namespace veska {
 namespace {
 
 TEST(LineReader, ReadsWholeNumbersOneAfterAnother) {
-  TCtiRadekClass reader(u"1 2, 3;4");
-  EXPECT_EQ(reader.DejLongInt(), 1);
-  EXPECT_EQ(reader.DejLongInt(), 2);
+  TCtiRadekClass reader(u"3;4");
   EXPECT_EQ(reader.DejLongInt(), 3);
   EXPECT_EQ(reader.DejInteger(), 4);
   EXPECT_FALSE(reader.DosloKChybe());
@@ -43,23 +42,28 @@ TEST(LineReader, ReadsWholeNumbersOneAfterAnother) {
   EXPECT_EQ(read_all(u"\t-7 ,+8  ;  9  "), (std::vector<std::int32_t>{-7, 8, 9}));
   EXPECT_EQ(read_all(u"2147483647 -2147483648 007"), (std::vector<std::int32_t>{2147483647, -2147483648, 7}));
   EXPECT_EQ(read_all(u"5 x 6"), (std::vector<std::int32_t>{5}));
-  EXPECT_TRUE(read_all(u"").empty());
-  EXPECT_TRUE(read_all(u"   ").empty());
+  EXPECT_TRUE(read_all(u"").empty() && read_all(u"   ").empty());
 }
 
-TEST(LineReader, MalformedNumbersFailWithoutMoving) {
-  for (StringView bad : {u"12abc", u"2147483648", u"-2147483649", u"1.5", u"+", u"-", u",1", u"1-"}) {
-    TCtiRadekClass reader(bad);
-    EXPECT_EQ(reader.DejLongInt(), 0) << ToUtf8(bad);
-    EXPECT_TRUE(reader.DosloKChybe()) << ToUtf8(bad);
-    EXPECT_EQ(reader.Pozice(), 1u) << ToUtf8(bad);
+// A read that fails gives zero or empty, sets the error flag and leaves the position at 1.
+template <typename Read>
+void ExpectFailsWithoutMoving(std::initializer_list<StringView> lines, Read read) {
+  for (StringView line : lines) {
+    TCtiRadekClass reader(line);
+    EXPECT_EQ(read(reader), decltype(read(reader)){}) << ToUtf8(line);
+    EXPECT_TRUE(reader.DosloKChybe()) << ToUtf8(line);
+    EXPECT_EQ(reader.Pozice(), 1u) << ToUtf8(line);
   }
-  for (StringView bad : {u"5.", u"1e", u"1e+", u"1.2.3", u".", u"1e400", u"e5"}) {
-    TCtiRadekClass reader(bad);
-    EXPECT_EQ(reader.DejReal(), 0.0) << ToUtf8(bad);
-    EXPECT_TRUE(reader.DosloKChybe()) << ToUtf8(bad);
-    EXPECT_EQ(reader.Pozice(), 1u) << ToUtf8(bad);
-  }
+}
+
+TEST(LineReader, MalformedValuesFailWithoutMoving) {
+  ExpectFailsWithoutMoving({u"12abc", u"2147483648", u"-2147483649", u"1.5", u"+", u"-", u",1", u"1-"},
+                           [](TCtiRadekClass& r) { return r.DejLongInt(); });
+  ExpectFailsWithoutMoving({u"5.", u"1e", u"1e+", u"1.2.3", u".", u"1e400", u"e5"},
+                           [](TCtiRadekClass& r) { return r.DejReal(); });
+  ExpectFailsWithoutMoving({u"'unclosed", u"'ends''", u"plain", u"'a'b", u"", u"'"},
+                           [](TCtiRadekClass& r) { return r.DejStringMeziApostrofy(); });
+  ExpectFailsWithoutMoving({u"yes", u"2", u"truely", u""}, [](TCtiRadekClass& r) { return r.DejBoolean(); });
 }
 
 TEST(LineReader, ErrorFlagStaysUntilNovyString) {
@@ -94,7 +98,7 @@ TEST(LineReader, DecimalNumbersTakeDotOrCommaBetweenDigits) {
   }
 }
 
-TEST(LineReader, WordsAndQuotedTexts) {
+TEST(LineReader, WordsQuotedTextsAndBooleans) {
   TCtiRadekClass reader(u"alpha beta,gamma;\tžluťoučký");
   for (StringView expected : {u"alpha", u"beta", u"gamma", u"žluťoučký"}) EXPECT_EQ(reader.DejString(), expected);
   EXPECT_FALSE(reader.DosloKChybe());
@@ -106,23 +110,9 @@ TEST(LineReader, WordsAndQuotedTexts) {
   EXPECT_FALSE(reader.DosloKChybe());
   EXPECT_TRUE(reader.KonecRadku());
 
-  for (StringView bad : {u"'unclosed", u"'ends''", u"plain", u"'a'b", u"", u"'"}) {
-    reader.NovyString(bad);
-    EXPECT_EQ(reader.DejStringMeziApostrofy(), u"") << ToUtf8(bad);
-    EXPECT_TRUE(reader.DosloKChybe()) << ToUtf8(bad);
-    EXPECT_EQ(reader.Pozice(), 1u) << ToUtf8(bad);
-  }
-}
-
-TEST(LineReader, BooleansInCzechAndEnglishAnyCase) {
-  TCtiRadekClass reader(u"true FALSE Ano ne 1 0 aNO");
+  reader.NovyString(u"true FALSE Ano ne 1 0 aNO");  // booleans in Czech and English, any case
   for (bool expected : {true, false, true, false, true, false, true}) EXPECT_EQ(reader.DejBoolean(), expected);
   EXPECT_FALSE(reader.DosloKChybe());
-  for (StringView bad : {u"yes", u"2", u"truely", u""}) {
-    reader.NovyString(bad);
-    EXPECT_FALSE(reader.DejBoolean()) << ToUtf8(bad);
-    EXPECT_TRUE(reader.DosloKChybe()) << ToUtf8(bad);
-  }
 }
 
 TEST(LineReader, CharactersPositionsAndSkipping) {
@@ -174,7 +164,7 @@ TEST(LineReader, RandomNumbersReadBackExactly) {
     EXPECT_TRUE(reader.KonecRadku()) << ToUtf8(line);
   }
 
-  for (int round = 0; round < 2000; ++round) {
+  for (int round = 0; round < 1500; ++round) {
     double value = 0;
     do {
       const std::uint64_t bits = random();
@@ -198,7 +188,7 @@ TEST(LineReader, RandomInputNeverLeavesTheLine) {
   const char16_t alphabet[] = {u' ', u'\t', u',', u';', u'\'', u'.', u'-', u'+', u'e', u'E', u'0', u'1',
                                u'9', u'a', u'n', u'o', u'Ž', u'=', u'\0', char16_t(0xD800), u'\r', u'/'};
   std::mt19937 random(7);
-  for (int round = 0; round < 3000; ++round) {
+  for (int round = 0; round < 2500; ++round) {
     String line(random() % 20, u' ');
     for (char16_t& c : line) c = alphabet[random() % std::size(alphabet)];
     TCtiRadekClass reader(line);
@@ -258,7 +248,6 @@ TEST(ParameterReader, DejRadekSkipsEmptyAndCommentLines) {
   EXPECT_EQ(reader.DefInfo().Jmeno, u"");  // no '=': the whole line is the value
   EXPECT_EQ(reader.DefInfo().Hodnota.Radek(), u"Last line");
   EXPECT_FALSE(reader.DejRadek());
-  EXPECT_FALSE(reader.DejRadek());
   EXPECT_EQ(reader.DefInfo().CisloRadku, 0u);
 
   reader.NovyText(u"Flag = ne");
@@ -298,7 +287,13 @@ class ParameterFile : public testing::Test {
                                 (std::string("veska_parameters_") + testing::UnitTest::GetInstance()->current_test_info()->name());
 };
 
-TEST_F(ParameterFile, ReadsUtf8AndWindows1250Files) {
+TEST_F(ParameterFile, ReadsUtf8AndWindows1250FilesAndMissingOnesAsEmpty) {
+  TCteniParametru missing(u"Old = 1");
+  EXPECT_FALSE(missing.NactiSoubor(path_));  // not written
+  EXPECT_FALSE(missing.DejRadek());
+  EXPECT_FALSE(missing.NactiSoubor(testing::TempDir()));
+  EXPECT_FALSE(missing.DejRadek());
+
   const String text = u"// popis\r\nNázev = 'Kůň'\r\nPočet = 3\r\n";
   for (const std::string& bytes : {ToUtf8(text), "\xEF\xBB\xBF" + ToUtf8(text), ToWin1250(text)}) {
     TCteniParametru reader;
@@ -309,14 +304,6 @@ TEST_F(ParameterFile, ReadsUtf8AndWindows1250Files) {
     EXPECT_EQ(reader.DejLongIntParametr(u"počet"), 3);
     EXPECT_FALSE(reader.BylaChybaParametru());
   }
-}
-
-TEST_F(ParameterFile, MissingFileOrFolderGivesAnEmptyText) {
-  TCteniParametru reader(u"Old = 1");
-  EXPECT_FALSE(reader.NactiSoubor(path_));  // not written
-  EXPECT_FALSE(reader.DejRadek());
-  EXPECT_FALSE(reader.NactiSoubor(testing::TempDir()));
-  EXPECT_FALSE(reader.DejRadek());
 }
 
 TEST(ParameterReader, RandomDefinitionsNeverFail) {

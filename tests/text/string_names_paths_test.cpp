@@ -4,31 +4,25 @@
 #include <filesystem>
 #include <optional>
 #include <string>
+#include <tuple>
 
 #include "kernel/text/string_utils.h"
 
 namespace veska {
 namespace {
 
-TEST(NameWithNumber, SplitsTrailingDigits) {
-  EXPECT_EQ(GetNameWithoutNumber(u"Element12"), u"Element");
-  EXPECT_EQ(GetNameEndNumber(u"Element12"), 12);
-  EXPECT_EQ(GetNameWithoutNumber(u"Element"), u"Element");
-  EXPECT_EQ(GetNameEndNumber(u"Element"), 0);
-  EXPECT_EQ(GetNameWithoutNumber(u"a1b"), u"a1b");
-  EXPECT_EQ(GetNameEndNumber(u"a1b"), 0);
-  EXPECT_EQ(GetNameEndNumber(u"Item007"), 7);
-  EXPECT_EQ(GetNameWithoutNumber(u"123"), u"");
-  EXPECT_EQ(GetNameEndNumber(u"123"), 0);  // all digits
-  EXPECT_EQ(GetNameEndNumber(u""), 0);
-  EXPECT_EQ(GetNameEndNumber(u"x\u0661"), 0);  // only the digits 0 to 9 count
-}
-
-TEST(NameWithNumber, TakesAtMost255DigitsAndSaturates) {
-  EXPECT_EQ(GetNameEndNumber(u"x" + String(254, u'0') + u"5"), 5);
-  EXPECT_EQ(GetNameEndNumber(u"x" + String(255, u'0') + u"5"), 0);  // the 256th digit is not read
-  EXPECT_EQ(GetNameEndNumber(u"x2147483647"), 2147483647);
-  EXPECT_EQ(GetNameEndNumber(u"x2147483648"), 2147483647);
+TEST(NameWithNumber, SplitsTrailingDigitsTakingAtMost255AndSaturating) {
+  const std::tuple<String, String, int32_t> cases[] = {
+      {u"Element12", u"Element", 12}, {u"Element", u"Element", 0}, {u"a1b", u"a1b", 0},
+      {u"Item007", u"Item", 7},       {u"123", u"", 0},            {u"", u"", 0},
+      {u"x\u0661", u"x\u0661", 0},  // only the digits 0 to 9 count
+      {u"x2147483647", u"x", 2147483647}, {u"x2147483648", u"x", 2147483647},
+      {u"x" + String(254, u'0') + u"5", u"x", 5},
+      {u"x" + String(255, u'0') + u"5", u"x", 0}};  // the 256th digit is not read
+  for (const auto& [text, name, number] : cases) {
+    EXPECT_EQ(GetNameWithoutNumber(text), name) << ToUtf8(text);
+    EXPECT_EQ(GetNameEndNumber(text), number) << ToUtf8(text);
+  }
   EXPECT_EQ(GetNameEndNumber(u"x" + String(100000, u'9')), 2147483647);
 }
 
@@ -51,14 +45,8 @@ TEST(GetValidFileName, ReplacesCharactersNoHostAccepts) {
 }
 
 TEST(Paths, RelativeOrAbsolute) {
-  EXPECT_TRUE(IsRelativePath(u""));
-  EXPECT_TRUE(IsRelativePath(u"a/b"));
-  EXPECT_TRUE(IsRelativePath(u"..\\a"));
-  EXPECT_TRUE(IsRelativePath(u"1:x"));
-  EXPECT_FALSE(IsRelativePath(u"/a"));
-  EXPECT_FALSE(IsRelativePath(u"\\a"));
-  EXPECT_FALSE(IsRelativePath(u"C:\\Models"));
-  EXPECT_FALSE(IsRelativePath(u"c:"));
+  for (StringView relative : {u"", u"a/b", u"..\\a", u"1:x"}) EXPECT_TRUE(IsRelativePath(relative)) << ToUtf8(relative);
+  for (StringView absolute : {u"/a", u"\\a", u"C:\\Models", u"c:"}) EXPECT_FALSE(IsRelativePath(absolute)) << ToUtf8(absolute);
 }
 
 TEST(Paths, AbsolutePathResolvesDotsAgainstTheBase) {
@@ -98,43 +86,16 @@ TEST(Paths, TrailingSeparators) {
   }
 }
 
-// Sets an environment variable for the lifetime of the object and restores it afterwards.
-class ScopedEnvironment {
- public:
-  ScopedEnvironment(const char* name, const char* value) : name_(name) {
-    if (const char* old = std::getenv(name)) saved_ = old;
-    if (value != nullptr) {
-      setenv(name, value, 1);
-    } else {
-      unsetenv(name);
-    }
-  }
-  ~ScopedEnvironment() {
-    if (saved_) {
-      setenv(name_, saved_->c_str(), 1);
-    } else {
-      unsetenv(name_);
-    }
-  }
-  ScopedEnvironment(const ScopedEnvironment&) = delete;
-  ScopedEnvironment& operator=(const ScopedEnvironment&) = delete;
-
- private:
-  const char* name_;
-  std::optional<std::string> saved_;
-};
-
 TEST(WinDirStr, ComesFromWindirOrIsUsr) {
-  {
-    const ScopedEnvironment windir("WINDIR", "/opt/system");
-    EXPECT_EQ(WinDirStr(), u"/opt/system");
-  }
-  {
-    const ScopedEnvironment windir("WINDIR", "");
-    EXPECT_EQ(WinDirStr(), u"/usr");
-  }
-  const ScopedEnvironment windir("WINDIR", nullptr);
+  const char* const saved = std::getenv("WINDIR");
+  const std::optional<std::string> old = saved != nullptr ? std::optional<std::string>(saved) : std::nullopt;
+  setenv("WINDIR", "/opt/system", 1);
+  EXPECT_EQ(WinDirStr(), u"/opt/system");
+  setenv("WINDIR", "", 1);
   EXPECT_EQ(WinDirStr(), u"/usr");
+  unsetenv("WINDIR");
+  EXPECT_EQ(WinDirStr(), u"/usr");
+  if (old) setenv("WINDIR", old->c_str(), 1);
 }
 
 TEST(UnitGlobals, StartUpValuesDescribeTheRunningProgram) {

@@ -1,6 +1,5 @@
 #include <gtest/gtest.h>
 
-#include <cmath>
 #include <limits>
 #include <memory>
 
@@ -12,114 +11,81 @@
 namespace veska {
 namespace {
 
+constexpr double kNaN = std::numeric_limits<double>::quiet_NaN();
+
 std::unique_ptr<TTypeElement> Copy(const TTypeElement& element) { return std::unique_ptr<TTypeElement>(element.SelfCopy()); }
 
 TEST(BooleanElement, TextIsLowerCaseAndOnlyTrueOrFalseInAnyCaseIsTaken) {
   TBooleanElement element;
   EXPECT_EQ(element.GetAsString(), u"false");
-  element.SetAsString(u"True");
-  EXPECT_TRUE(element.GetAsBoolean());
-  EXPECT_EQ(element.GetAsString(), u"true");
-  element.SetAsString(u"yes");
-  EXPECT_TRUE(element.GetAsBoolean());
-  element.SetAsString(u"fAlSe");
-  EXPECT_FALSE(element.GetAsBoolean());
-  element.SetAsString(u"1");
-  EXPECT_FALSE(element.GetAsBoolean());
-
-  element.SetAsByte(9);
-  EXPECT_EQ(element.GetAsByte(), 1);
+  const std::pair<const char16_t*, bool> writes[] = {{u"True", true}, {u"yes", true}, {u"fAlSe", false}, {u"1", false}};
+  for (const auto& [text, expected] : writes) {
+    element.SetAsString(text);
+    EXPECT_EQ(element.GetAsBoolean(), expected) << ToUtf8(text);
+  }
   element.SetAsByte(0);
   EXPECT_FALSE(element.GetAsBoolean());
-
+  element.SetAsByte(9);
+  EXPECT_EQ(element.GetAsString(), u"true");
+  EXPECT_EQ(element.GetAsByte(), 1);
   // Views the class does not support keep the base behaviour.
-  element.SetAsBoolean(true);
   EXPECT_EQ(element.GetAsInteger(), 0);
   element.SetAsInteger(0);
   EXPECT_TRUE(element.GetAsBoolean());
 }
 
-TEST(CharElement, IntegerWritesTakeOnlyCodesOneTo255) {
-  TCharElement element(u'z');
+TEST(CharElement, IntegerWritesTakeOnlyCodesOneTo255AndByteReadsRaiseAbove255) {
+  TCharElement element(u"c", u'z');
   element.SetAsInteger(0);
-  EXPECT_EQ(element.GetAsChar(), u'z');
   element.SetAsInteger(256);
   element.SetAsNativeInt(-65);
+  element.SetAsString(u"");
   EXPECT_EQ(element.GetAsChar(), u'z');
   element.SetAsInteger(65);
   EXPECT_EQ(element.GetAsString(), u"A");
+  element.SetAsString(u"čau");
+  EXPECT_EQ(element.GetAsChar(), u'č');
 
   element.SetAsChar(u'\xFFFF');
   EXPECT_EQ(element.GetAsInteger(), 65535);
   EXPECT_EQ(element.GetAsNativeInt(), 65535);
-}
-
-TEST(CharElement, ByteOfACodeAbove255RaisesTheRangeError) {
-  TCharElement element(u'\x00FF');
-  EXPECT_EQ(element.GetAsByte(), 255);
-  element.SetAsChar(u'\x0100');
   EXPECT_THROW(element.GetAsByte(), ERangeError);
-  element.SetAsByte(66);
-  EXPECT_EQ(element.GetAsChar(), u'B');
+  element.SetAsByte(255);
+  EXPECT_EQ(element.GetAsByte(), 255);
 }
 
-TEST(CharElement, TextTakesTheFirstCharacterAndEmptyTextChangesNothing) {
-  TCharElement element(u"c", u'q');
-  element.SetAsString(u"");
-  EXPECT_EQ(element.GetAsChar(), u'q');
-  element.SetAsString(u"čau");
-  EXPECT_EQ(element.GetAsChar(), u'č');
-}
-
-TEST(ByteElement, TextWrapsWhileIntegerIgnoresOutOfRange) {
+// Text wraps to the low byte while integer and float writes out of range are ignored.
+TEST(ByteElement, TextWrapsWhileIntegerAndFloatIgnoreOutOfRange) {
   TByteElement element(5);
   element.SetAsString(u"300");
   EXPECT_EQ(element.GetAsByte(), 44);
   element.SetAsString(u"-1");
-  EXPECT_EQ(element.GetAsByte(), 255);
   element.SetAsString(u"12abc");
   EXPECT_EQ(element.GetAsByte(), 255);
-
   element.SetAsInteger(300);
-  EXPECT_EQ(element.GetAsInteger(), 255);
   element.SetAsInteger(-1);
   element.SetAsNativeInt(256);
   EXPECT_EQ(element.GetAsInteger(), 255);
-  element.SetAsInteger(0);
-  EXPECT_EQ(element.GetAsString(), u"0");
-}
 
-TEST(ByteElement, FloatIsTruncatedTowardZeroAndOutOfRangeIgnored) {
-  TByteElement element;
   element.SetAsFloat(255.9);
   EXPECT_EQ(element.GetAsByte(), 255);
   element.SetAsFloat(-0.5);
-  EXPECT_EQ(element.GetAsByte(), 0);
+  EXPECT_EQ(element.GetAsString(), u"0");
   element.SetAsFloat(7.99);
-  EXPECT_EQ(element.GetAsByte(), 7);
-  element.SetAsFloat(256.0);
-  element.SetAsFloat(-1.0);
-  element.SetAsFloat(std::numeric_limits<double>::quiet_NaN());
-  element.SetAsFloat(std::numeric_limits<double>::infinity());
-  EXPECT_EQ(element.GetAsByte(), 7);
+  for (double ignored : {256.0, -1.0, kNaN, std::numeric_limits<double>::infinity()}) element.SetAsFloat(ignored);
   EXPECT_EQ(element.GetAsFloat(), 7.0);
-}
 
-TEST(ByteElement, CharAbove255RaisesAndKeepsTheValue) {
-  TByteElement element(1);
   element.SetAsChar(u'\x00E9');
-  EXPECT_EQ(element.GetAsByte(), 0xE9);
   EXPECT_EQ(element.GetAsChar(), u'\x00E9');
   EXPECT_THROW(element.SetAsChar(u'\x0100'), ERangeError);
   EXPECT_EQ(element.GetAsByte(), 0xE9);
-
-  element.SetAsBoolean(true);
-  EXPECT_EQ(element.GetAsByte(), 1);
   element.SetAsBoolean(false);
   EXPECT_FALSE(element.GetAsBoolean());
+  element.SetAsBoolean(true);
+  EXPECT_EQ(element.GetAsByte(), 1);
 }
 
-TEST(FloatElement, TextIsScientificAndReadsBack) {
+TEST(FloatElement, TextIsScientificAndIntegerTruncatesToZeroBeyond32Bits) {
   TFloatElement element(1.5);
   EXPECT_EQ(element.GetAsString(), u" 1.50000000000000E+0000");
   element.SetAsString(u"-2.5E-7");
@@ -128,32 +94,24 @@ TEST(FloatElement, TextIsScientificAndReadsBack) {
   const String text = element.GetAsString();
   element.SetAsFloat(0);
   element.SetAsString(text);
-  EXPECT_EQ(element.GetAsFloat(), 123.25);
-
   element.SetAsString(u"not a number");
-  EXPECT_EQ(element.GetAsFloat(), 123.25);
   EXPECT_EQ(element.GetAsDateTime(), 123.25);
-}
 
-TEST(FloatElement, IntegerTruncatesTowardZeroAndGivesZeroBeyond32Bits) {
-  TFloatElement element(-2.7);
-  EXPECT_EQ(element.GetAsInteger(), -2);
-  element.SetAsFloat(2.7);
-  EXPECT_EQ(element.GetAsNativeInt(), 2);
-  element.SetAsFloat(3e9);
-  EXPECT_EQ(element.GetAsInteger(), 0);
-  element.SetAsFloat(std::numeric_limits<double>::quiet_NaN());
-  EXPECT_EQ(element.GetAsInteger(), 0);
+  const std::pair<double, int32_t> truncations[] = {{-2.7, -2}, {2.7, 2}, {3e9, 0}, {kNaN, 0}};
+  for (const auto& [value, expected] : truncations) {
+    element.SetAsFloat(value);
+    EXPECT_EQ(element.GetAsInteger(), expected) << value;
+    EXPECT_EQ(element.GetAsNativeInt(), expected) << value;
+  }
   element.SetAsInteger(-17);
   EXPECT_EQ(element.GetAsFloat(), -17.0);
 }
 
 TEST(StringElement, BooleanReadsNumbersTrueAndAno) {
   TStringElement element;
-  const std::vector<std::pair<String, bool>> cases = {
-      {u"0.0", false}, {u"2", true},     {u"-0.5", true},  {u"ano", true}, {u"Ano", true},
-      {u"TRUE", true}, {u"true", true},  {u"x", false},    {u"", false},   {u"yes", false},
-      {u"FALSE", false}};
+  const std::pair<const char16_t*, bool> cases[] = {
+      {u"0.0", false}, {u"2", true},    {u"-0.5", true}, {u"ano", true}, {u"Ano", true},   {u"TRUE", true},
+      {u"true", true}, {u"x", false},   {u"", false},    {u"yes", false}, {u"FALSE", false}};
   for (const auto& [text, expected] : cases) {
     element.SetAsString(text);
     EXPECT_EQ(element.GetAsBoolean(), expected) << ToUtf8(text);
@@ -161,16 +119,13 @@ TEST(StringElement, BooleanReadsNumbersTrueAndAno) {
 }
 
 TEST(StringElement, BooleanWritesUpperCaseUnlikeTheBooleanElement) {
-  TStringElement text;
-  TBooleanElement flag;
-  text.SetAsBoolean(true);
-  flag.SetAsBoolean(true);
-  EXPECT_EQ(text.GetAsString(), u"TRUE");
-  EXPECT_EQ(flag.GetAsString(), u"true");
-  text.SetAsBoolean(false);
-  flag.SetAsBoolean(false);
-  EXPECT_EQ(text.GetAsString(), u"FALSE");
-  EXPECT_EQ(flag.GetAsString(), u"false");
+  for (bool value : {true, false}) {
+    TStringElement text;
+    TBooleanElement flag(value);
+    text.SetAsBoolean(value);
+    EXPECT_EQ(text.GetAsString(), value ? u"TRUE" : u"FALSE");
+    EXPECT_EQ(flag.GetAsString(), value ? u"true" : u"false");
+  }
 }
 
 TEST(StringElement, NumbersReadQuietlyAndWriteInTheGeneralForm) {
@@ -184,9 +139,6 @@ TEST(StringElement, NumbersReadQuietlyAndWriteInTheGeneralForm) {
 
   element.SetAsInteger(-7);
   EXPECT_EQ(element.GetAsString(), u"-7");
-  element.SetAsFloat(1.5);
-  EXPECT_EQ(element.GetAsString(), u"1.5");
-  EXPECT_EQ(element.GetAsFloat(), 1.5);
   element.SetAsFloat(1e20);
   EXPECT_EQ(element.GetAsString(), u"1E20");
 }
@@ -194,17 +146,13 @@ TEST(StringElement, NumbersReadQuietlyAndWriteInTheGeneralForm) {
 TEST(StringElement, NameIsValueSplitsNameAndValue) {
   TStringElement element(u"old", u"v");
   element.SetNameIsValue(u" a = b ");
-  EXPECT_EQ(element.GetName(), u"a");
-  EXPECT_EQ(element.GetAsString(), u"b");
   EXPECT_EQ(element.GetNameIsValue(), u"a=b");
 
   // Without a value part only the value changes.
   element.SetNameIsValue(u"plain");
-  EXPECT_EQ(element.GetName(), u"a");
-  EXPECT_EQ(element.GetAsString(), u"plain");
+  EXPECT_EQ(element.GetNameIsValue(), u"a=plain");
   element.SetNameIsValue(u"c=");
-  EXPECT_EQ(element.GetName(), u"a");
-  EXPECT_EQ(element.GetAsString(), u"c");
+  EXPECT_EQ(element.GetNameIsValue(), u"a=c");
 
   // Empty text and an empty name part change nothing.
   element.SetNameIsValue(u"");
@@ -239,7 +187,6 @@ TEST(StringElement, TypedReadersReportWhetherTheTextConverted) {
   EXPECT_EQ(element.GetDouble(ok), 0.0);
   EXPECT_FALSE(ok);
 
-  ok = false;
   EXPECT_FALSE(element.GetBoolean(ok));
   EXPECT_TRUE(ok);
   element.SetLongInt(-5);
@@ -254,78 +201,60 @@ TEST(PathElement, CopyIsAPlainStringElement) {
   EXPECT_EQ(copy->ClassType().Name(), u"TStringElement");
   EXPECT_EQ(copy->GetName(), u"home");
   EXPECT_EQ(copy->GetAsString(), u"C:\\data\\model.vsk");
-  EXPECT_EQ(path.GetTypeAsString(), u"string");
 }
 
 TEST(IntegerElement, ConversionsIgnoreWhatDoesNotFit) {
   TIntegerElement element(300);
   EXPECT_EQ(element.GetAsByte(), 0);
-  element.SetAsInteger(-1);
-  EXPECT_EQ(element.GetAsByte(), 0);
   element.SetAsByte(200);
   EXPECT_EQ(element.GetAsByte(), 200);
 
   element.SetAsFloat(-2.9);
-  EXPECT_EQ(element.GetAsInteger(), -2);
   element.SetAsFloat(3e9);
-  element.SetAsFloat(std::numeric_limits<double>::quiet_NaN());
-  EXPECT_EQ(element.GetAsInteger(), -2);
-
+  element.SetAsFloat(kNaN);
   element.SetAsString(u"x");
   EXPECT_EQ(element.GetAsString(), u"-2");
+  EXPECT_EQ(element.GetAsByte(), 0);
   element.SetAsString(u"2147483647");
-  EXPECT_EQ(element.GetAsFloat(), 2147483647.0);
   element.SetAsString(u"2147483648");
-  EXPECT_EQ(element.GetAsInteger(), 2147483647);
+  EXPECT_EQ(element.GetAsFloat(), 2147483647.0);
 
   element.SetAsBoolean(true);
   EXPECT_EQ(element.GetAsInteger(), 1);
   EXPECT_TRUE(element.GetAsBoolean());
 }
 
-TEST(IntegerElement, PointerViewTravelsThroughTheHandleTable) {
-  auto target = std::make_unique<TStringElement>(u"target");
-  TIntegerElement element;
-  element.SetAsPointer(target.get());
-  EXPECT_NE(element.GetAsInteger(), 0);
-  EXPECT_EQ(element.GetAsPointer(), target.get());
-  target.reset();
-  EXPECT_EQ(element.GetAsPointer(), nullptr);
-}
+// References travel as handle numbers: a number that names no live object reads as none.
+TEST(PointerViews, ReferencesTravelAsHandlesAndDeadOnesReadAsNone) {
+  auto target = std::make_unique<TStringElement>(u"t", u"v");
+  TIntegerElement number;
+  number.SetAsPointer(target.get());
+  EXPECT_EQ(number.GetAsPointer(), target.get());
 
-TEST(PointerElement, ReferenceAsTextRoundTrips) {
-  TStringElement target(u"t", u"v");
-  TPointerElement element(&target);
+  TPointerElement element(target.get());
   const String text = element.GetAsString();
-  EXPECT_EQ(text, IntToStr(ObjectHandles::HandleOf(&target)));
-
+  EXPECT_EQ(text, IntToStr(ObjectHandles::HandleOf(target.get())));
+  EXPECT_EQ(number.GetAsInteger(), element.GetAsInteger());
   TPointerElement other;
   other.SetAsString(text);
-  EXPECT_EQ(other.GetAsPointer(), &target);
-  EXPECT_EQ(other.Get_Element(), &target);
-  EXPECT_EQ(other.GetAsInteger(), element.GetAsInteger());
-  EXPECT_EQ(other.GetPropertyStringByName(u"_Element"), text);
-
+  EXPECT_EQ(other.Get_Element(), target.get());
   TPointerElement by_name;
   EXPECT_TRUE(by_name.SetPropertyStringByName(u"_Element", text));
-  EXPECT_EQ(by_name.GetAsPointer(), &target);
-}
+  EXPECT_EQ(by_name.GetPropertyStringByName(u"_Element"), text);
 
-TEST(PointerElement, NumberNamingNoObjectGivesNone) {
-  TPointerElement element;
+  target.reset();
+  EXPECT_EQ(number.GetAsPointer(), nullptr);
+  EXPECT_EQ(element.GetAsPointer(), nullptr);
   EXPECT_EQ(element.GetAsString(), u"0");
   element.SetAsInteger(2'000'000'000);
-  EXPECT_EQ(element.GetAsPointer(), nullptr);
-  element.SetAsString(u"-12");
   EXPECT_EQ(element.GetAsPointer(), nullptr);
   element.SetAsString(u"garbage");
   EXPECT_EQ(element.GetAsNativeInt(), 0);
 
-  auto target = std::make_unique<TIntegerElement>(1);
-  element.SetAsPointer(target.get());
-  target.reset();
-  EXPECT_EQ(element.GetAsPointer(), nullptr);
-  EXPECT_EQ(element.GetAsString(), u"0");
+  TPersistent plain;
+  element.SetAsPointer(&plain);
+  EXPECT_EQ(element.GetAsPointer(), &plain);
+  EXPECT_EQ(element.Get_Element(), nullptr);  // not an element
 }
 
 TEST(PointerElement, CopyKeepsTheReferenceButNotTheClassName) {
@@ -341,29 +270,16 @@ TEST(PointerElement, CopyKeepsTheReferenceButNotTheClassName) {
   EXPECT_EQ(TPointerElement::StaticClassInfo().FindProperty(u"Value"), nullptr);
 }
 
-TEST(PointerElement, ElementViewOfAnObjectThatIsNoElementIsNone) {
-  TPersistent plain;
-  TPointerElement element(&plain);
-  EXPECT_EQ(element.GetAsPointer(), &plain);
-  EXPECT_EQ(element.Get_Element(), nullptr);
-}
-
-TEST(DateTimeElement, TextThatDoesNotParseGivesZero) {
+TEST(DateTimeElement, TextParsesIsoThenLocaleElseZero) {
   TDateTimeElement element(45000.5);
   element.SetAsString(u"not a date");
   EXPECT_EQ(element.GetAsDateTime(), 0.0);
-
-  element.SetAsString(u"2020-03-01T12:00:00Z");
-  EXPECT_EQ(element.GetAsDateTime(), EncodeDateTime(2020, 3, 1, 12, 0, 0, 0));
   element.SetAsString(u"2020-03-01T12:00:00+02:00");
   EXPECT_EQ(element.GetAsDateTime(), EncodeDateTime(2020, 3, 1, 10, 0, 0, 0));
   element.SetAsString(u"2.1.2021 8:30:00");
-  EXPECT_EQ(element.GetAsDateTime(), EncodeDateTime(2021, 1, 2, 8, 30, 0, 0));
   EXPECT_EQ(element.GetAsString(), u"2.1.2021 8:30:00");
-}
 
-TEST(DateTimeElement, IsoTextThatDoesNotParseChangesNothing) {
-  TDateTimeElement element(EncodeDateTime(2021, 1, 2, 8, 30, 0, 0));
+  // The ISO view alone leaves the value unchanged on a text it cannot parse.
   EXPECT_EQ(element.GetAsISOString(), u"2021-01-02T08:30:00.000Z");
   element.SetAsISOString(u"2.1.2021");
   EXPECT_EQ(element.GetAsISOString(), u"2021-01-02T08:30:00.000Z");
@@ -382,34 +298,27 @@ TEST(DateTimeElement, IntegerTruncatesAndRaisesBeyond32Bits) {
   EXPECT_EQ(element.GetAsFloat(), 3.0);
 }
 
-TEST(ValueElements, ConstructorsAndCopiesCarryValueAndName) {
-  const std::vector<std::shared_ptr<TTypeElement>> elements = {
-      std::make_shared<TBooleanElement>(u"b", true),   std::make_shared<TCharElement>(u"c", u'x'),
-      std::make_shared<TByteElement>(u"y", 200),        std::make_shared<TFloatElement>(u"f", 2.5),
-      std::make_shared<TStringElement>(u"s", u"text"),  std::make_shared<TIntegerElement>(u"i", -9),
+TEST(ValueElements, CopiesCarryValueAndNameAndVirtualConstructorsLeaveItEmpty) {
+  const std::shared_ptr<TTypeElement> elements[] = {
+      std::make_shared<TBooleanElement>(u"b", true),  std::make_shared<TCharElement>(u"c", u'x'),
+      std::make_shared<TByteElement>(u"y", 200),       std::make_shared<TFloatElement>(u"f", 2.5),
+      std::make_shared<TStringElement>(u"s", u"text"), std::make_shared<TIntegerElement>(u"i", -9),
       std::make_shared<TDateTimeElement>(u"d", 44000.25)};
   for (const auto& element : elements) {
+    const ClassInfo& info = element->ClassType();
+    SCOPED_TRACE(ToUtf8(info.Name()));
     auto copy = Copy(*element);
     ASSERT_NE(copy, nullptr);
-    EXPECT_EQ(&copy->ClassType(), &element->ClassType());
+    EXPECT_EQ(&copy->ClassType(), &info);
     EXPECT_EQ(copy->GetName(), element->GetName());
-    EXPECT_EQ(copy->GetAsString(), element->GetAsString());
     EXPECT_EQ(copy->GetPropertyStringByName(u"Value"), element->GetPropertyStringByName(u"Value"));
-  }
-}
 
-TEST(ValueElements, VirtualConstructorLeavesTheValueEmpty) {
-  for (const ClassInfo* info : {&TBooleanElement::StaticClassInfo(), &TByteElement::StaticClassInfo(),
-                                &TIntegerElement::StaticClassInfo(), &TFloatElement::StaticClassInfo(),
-                                &TStringElement::StaticClassInfo(), &TCharElement::StaticClassInfo()}) {
-    std::unique_ptr<TObject> object(info->Create());
-    auto* element = dynamic_cast<TTypeElement*>(object.get());
-    ASSERT_NE(element, nullptr);
-    EXPECT_EQ(element->GetAsInteger(), 0) << ToUtf8(info->Name());
-    EXPECT_FALSE(element->GetAsBoolean()) << ToUtf8(info->Name());
-    const PropInfo* value = info->FindProperty(u"Value");
-    ASSERT_NE(value, nullptr);
-    EXPECT_TRUE(value->IsStored(*element));
+    std::unique_ptr<TObject> object(info.Create());
+    auto* created = dynamic_cast<TTypeElement*>(object.get());
+    ASSERT_NE(created, nullptr);
+    EXPECT_EQ(created->GetAsInteger(), 0);
+    EXPECT_FALSE(created->GetAsBoolean());
+    ASSERT_NE(info.FindProperty(u"Value"), nullptr);
   }
 }
 
