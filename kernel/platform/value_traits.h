@@ -164,7 +164,7 @@ template <>
 struct ValueTraits<String> {
   static constexpr ValueFamily Family = ValueFamily::Text;
   static TypeInfo MakeTypeInfo() { return detail::PlainTypeInfo(TTypeKind::tkUString, u"UnicodeString"); }
-  static String ToStr(const String& v) { return v; }
+  static String ToStr(String v) { return v; }  // by value: a getter's result is moved, not copied
   static String FromStr(const String& v) { return v; }
 };
 
