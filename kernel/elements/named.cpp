@@ -63,37 +63,44 @@ bool OwnerList::Contains(const TEntity* entity) const {
   return false;
 }
 
-namespace {
+// --- WithName -------------------------------------------------------------------------------
 
-// Finding owners looks through envelopes: the wrapped entity stands for its envelope.
-TEntity* Unwrapped(TEntity* owner) {
-  auto* envelope = dynamic_cast<TEnvelopeEntity*>(owner);
-  return envelope != nullptr ? envelope->Owner() : owner;
+template <class Base>
+void WithName<Base>::Load(TReader& reader, TEntity* table) {
+  Base::Load(reader, table);
+  SetName(reader.ReadString());
 }
 
-}  // namespace
+template <class Base>
+void WithName<Base>::Save(TWriter& writer) {
+  Base::Save(writer);
+  writer.WriteString(GetName());
+}
+
+template class WithName<TElement>;
+template class WithName<TEntity>;
+
+// --- WithOwners -----------------------------------------------------------------------------
+
+template <class Base>
+template <class Test>
+TEntity* WithOwners<Base>::FirstOwner(Test test, bool look_through_envelopes) const {
+  for (int i = 0; i < owners_.Count(); ++i) {
+    TEntity* owner = owners_.At(i);
+    if (look_through_envelopes) {
+      if (auto* envelope = ObjectAs<TEnvelopeEntity>(owner)) owner = envelope->Owner();
+    }
+    if (owner != nullptr && test(*owner)) return owner;
+  }
+  return nullptr;
+}
 
 // --- TNameElement ---------------------------------------------------------------------------
-
-String TNameElement::GetName() const { return FName.empty() ? ClassName() : FName; }
-void TNameElement::SetName(const String& name) { FName = name; }
-bool TNameElement::StoreName() const { return !FName.empty(); }
 
 // The name's length always counts here, since the test for an empty name asks GetName, which
 // is never empty; TNameEntity differs on purpose.
 int32_t TNameElement::GetInstanceSize() const {
   return TElement::GetInstanceSize() + static_cast<int32_t>(FName.size()) + 1;
-}
-
-void TNameElement::Load(TReader& reader, TEntity* table) {
-  TElement::Load(reader, table);
-  SetName(reader.ReadString());
-}
-
-// Deliberately GetName: an unnamed element writes its class name and reads back with it.
-void TNameElement::Save(TWriter& writer) {
-  TElement::Save(writer);
-  writer.WriteString(GetName());
 }
 
 // --- TOwnerElement --------------------------------------------------------------------------
@@ -110,49 +117,20 @@ TEntity* TOwnerElement::GetOwnerEntity(int index) const {
   return owners_.At(index);
 }
 
-void TOwnerElement::PutOwner(int index, TEntity* entity) { owners_.Put(index, entity); }
-int32_t TOwnerElement::GetOwnersCount() const { return owners_.Count(); }
-void TOwnerElement::AddOwner(TEntity* entity) { owners_.Add(entity); }
-void TOwnerElement::RemoveOwner(TEntity* entity) { owners_.Remove(entity); }
-bool TOwnerElement::IsMyOwner(const TEntity* entity) const { return owners_.Contains(entity); }
-bool TOwnerElement::NoOwners() const { return owners_.Count() == 0; }
-
 TEntity* TOwnerElement::FindOwnerClass(const ClassInfo& cls) const {
-  for (int i = 0; i < owners_.Count(); ++i) {
-    TEntity* owner = owners_.At(i);
-    if (owner != nullptr && owner->InheritsFrom(cls)) return owner;
-  }
-  return nullptr;
+  return FirstOwner([&](const TEntity& owner) { return owner.InheritsFrom(cls); }, false);
 }
 
 // Case-sensitive, unlike the entity's search of its members.
 TEntity* TOwnerElement::FindOwnerName(const String& name) const {
-  for (int i = 0; i < owners_.Count(); ++i) {
-    TEntity* owner = owners_.At(i);
-    if (owner != nullptr && owner->GetName() == name) return owner;
-  }
-  return nullptr;
+  return FirstOwner([&](const TEntity& owner) { return owner.GetName() == name; }, false);
 }
 
 // --- TNameEntity ----------------------------------------------------------------------------
 
-String TNameEntity::GetName() const { return FName.empty() ? ClassName() : FName; }
-void TNameEntity::SetName(const String& name) { FName = name; }
-bool TNameEntity::StoreName() const { return !FName.empty(); }
-
 int32_t TNameEntity::GetInstanceSize() const {
   const int32_t base = TEntity::GetInstanceSize();
   return FName.empty() ? base : base + static_cast<int32_t>(FName.size()) + 1;
-}
-
-void TNameEntity::Load(TReader& reader, TEntity* table) {
-  TEntity::Load(reader, table);
-  SetName(reader.ReadString());
-}
-
-void TNameEntity::Save(TWriter& writer) {
-  TEntity::Save(writer);
-  writer.WriteString(GetName());
 }
 
 // --- TOwnerEntity ---------------------------------------------------------------------------
@@ -189,27 +167,13 @@ TEntity* TOwnerEntity::GetOwnerEntity(int index) const {
   return owner;
 }
 
-void TOwnerEntity::PutOwner(int index, TEntity* entity) { owners_.Put(index, entity); }
-int32_t TOwnerEntity::GetOwnersCount() const { return owners_.Count(); }
-void TOwnerEntity::AddOwner(TEntity* entity) { owners_.Add(entity); }
-void TOwnerEntity::RemoveOwner(TEntity* entity) { owners_.Remove(entity); }
-bool TOwnerEntity::IsMyOwner(const TEntity* entity) const { return owners_.Contains(entity); }
-bool TOwnerEntity::NoOwners() const { return owners_.Count() == 0; }
-
+// Owners are found through envelopes: the wrapped entity stands for its envelope.
 TEntity* TOwnerEntity::FindOwnerClass(const ClassInfo& cls) const {
-  for (int i = 0; i < owners_.Count(); ++i) {
-    TEntity* owner = Unwrapped(owners_.At(i));
-    if (owner != nullptr && owner->InheritsFrom(cls)) return owner;
-  }
-  return nullptr;
+  return FirstOwner([&](const TEntity& owner) { return owner.InheritsFrom(cls); }, true);
 }
 
 TEntity* TOwnerEntity::FindOwnerName(const String& name) const {
-  for (int i = 0; i < owners_.Count(); ++i) {
-    TEntity* owner = Unwrapped(owners_.At(i));
-    if (owner != nullptr && owner->GetName() == name) return owner;
-  }
-  return nullptr;
+  return FirstOwner([&](const TEntity& owner) { return owner.GetName() == name; }, true);
 }
 
 TElement* TOwnerEntity::CreateSubEntity(const ClassInfo& cls, const String& name) {

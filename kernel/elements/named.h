@@ -27,78 +27,83 @@ class OwnerList {
   std::variant<std::monostate, TEntity*, std::unique_ptr<TSuperList>> owners_;
 };
 
-class TNameElement : public TElement {
-  VESKA_CLASS(TNameElement, TElement, u"Elements")
+// The name that TNameElement and TNameEntity add to their bases: stored, empty by default, the
+// class name standing in for it while it is empty, streamed after the base's part.
+template <class Base>
+class WithName : public Base {
  public:
-  String GetName() const override;
-  void SetName(const String& name) override;
-  bool StoreName() const override;
-  int32_t GetInstanceSize() const override;
+  String GetName() const override { return FName.empty() ? this->ClassName() : FName; }
+  void SetName(const String& name) override { FName = name; }
+  // Unnamed elements write no Name property.
+  bool StoreName() const override { return !FName.empty(); }
   void Load(TReader& reader, TEntity* table) override;
+  // Deliberately GetName: an unnamed element writes its class name and reads back with it.
   void Save(TWriter& writer) override;
 
  protected:
   String FName;
 };
 
-class TOwnerElement : public TNameElement {
+// The owner bookkeeping that TOwnerElement and TOwnerEntity add to their bases.
+template <class Base>
+class WithOwners : public Base {
+ public:
+  void PutOwner(int index, TEntity* entity) override { owners_.Put(index, entity); }
+  int32_t GetOwnersCount() const override { return owners_.Count(); }
+  void AddOwner(TEntity* entity) override { owners_.Add(entity); }
+  void RemoveOwner(TEntity* entity) override { owners_.Remove(entity); }
+  bool IsMyOwner(const TEntity* entity) const override { return owners_.Contains(entity); }
+  bool NoOwners() const override { return owners_.Count() == 0; }
+  bool KeepsOwners() const override { return true; }
+
+ protected:
+  // The first owner, in list order, that passes the test; with look_through_envelopes an
+  // envelope is replaced by the entity it wraps, before the test and in the answer.
+  template <class Test>
+  TEntity* FirstOwner(Test test, bool look_through_envelopes) const;
+
+  OwnerList owners_;
+};
+
+extern template class WithName<TElement>;
+extern template class WithName<TEntity>;
+
+class TNameElement : public WithName<TElement> {
+  VESKA_CLASS(TNameElement, TElement, u"Elements")
+ public:
+  int32_t GetInstanceSize() const override;
+};
+
+class TOwnerElement : public WithOwners<TNameElement> {
   VESKA_CLASS(TOwnerElement, TNameElement, u"Elements")
  public:
   ~TOwnerElement() override;
 
   TEntity* GetOwnerEntity(int index) const override;
-  void PutOwner(int index, TEntity* entity) override;
-  int32_t GetOwnersCount() const override;
-  void AddOwner(TEntity* entity) override;
-  void RemoveOwner(TEntity* entity) override;
-  bool IsMyOwner(const TEntity* entity) const override;
-  bool NoOwners() const override;
   TEntity* FindOwnerClass(const ClassInfo& cls) const override;
   TEntity* FindOwnerName(const String& name) const override;
-  bool KeepsOwners() const override { return true; }
-
- private:
-  OwnerList owners_;
 };
 
-class TNameEntity : public TEntity {
+class TNameEntity : public WithName<TEntity> {
   VESKA_CLASS(TNameEntity, TEntity, u"Elements")
  public:
-  String GetName() const override;
-  void SetName(const String& name) override;
-  bool StoreName() const override;
   int32_t GetInstanceSize() const override;
-  void Load(TReader& reader, TEntity* table) override;
-  void Save(TWriter& writer) override;
-
- protected:
-  String FName;
 };
 
-class TOwnerEntity : public TNameEntity {
+class TOwnerEntity : public WithOwners<TNameEntity> {
   VESKA_CLASS(TOwnerEntity, TNameEntity, u"Elements")
  public:
   ~TOwnerEntity() override;
 
   TEntity* GetOwnerEntity(int index) const override;
-  void PutOwner(int index, TEntity* entity) override;
-  int32_t GetOwnersCount() const override;
-  void AddOwner(TEntity* entity) override;
-  void RemoveOwner(TEntity* entity) override;
-  bool IsMyOwner(const TEntity* entity) const override;
-  bool NoOwners() const override;
   TEntity* FindOwnerClass(const ClassInfo& cls) const override;
   TEntity* FindOwnerName(const String& name) const override;
-  bool KeepsOwners() const override { return true; }
 
   // The member of that name (case ignored), or a new element of the class inserted in name
   // order; an empty name stands for "no name".
   TElement* CreateSubEntity(const ClassInfo& cls, const String& name);
   // Inserts the element among the members kept in name order (ordinal comparison).
   void InsertNameSortedEntity(TElement* element);
-
- private:
-  OwnerList owners_;
 };
 
 class TAliasElement : public TOwnerElement {
