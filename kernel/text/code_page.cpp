@@ -73,35 +73,24 @@ int cp_GetCodePage(std::string_view text) {
   return result;
 }
 
-std::string WinTo_8859_2(std::string_view text) {
-  static constexpr ByteMap map = MakeTranslation(CzechColumn::Windows1250, CzechColumn::Iso8859_2);
+namespace {
+
+// The conversion from one column of the letter table to another; the table of bytes is built
+// at compile time, once per pair of columns.
+template <CzechColumn From, CzechColumn To>
+std::string TranslateColumns(std::string_view text) {
+  static constexpr ByteMap map = MakeTranslation(From, To);
   return Translate(text, map);
 }
 
-std::string _8859_2ToWin(std::string_view text) {
-  static constexpr ByteMap map = MakeTranslation(CzechColumn::Iso8859_2, CzechColumn::Windows1250);
-  return Translate(text, map);
-}
+}  // namespace
 
-std::string WinTo852(std::string_view text) {
-  static constexpr ByteMap map = MakeTranslation(CzechColumn::Windows1250, CzechColumn::Cp852);
-  return Translate(text, map);
-}
-
-std::string cp852ToWin(std::string_view text) {
-  static constexpr ByteMap map = MakeTranslation(CzechColumn::Cp852, CzechColumn::Windows1250);
-  return Translate(text, map);
-}
-
-std::string WinToKAM(std::string_view text) {
-  static constexpr ByteMap map = MakeTranslation(CzechColumn::Windows1250, CzechColumn::Kamenicky);
-  return Translate(text, map);
-}
-
-std::string WinToIBM(std::string_view text) {
-  static constexpr ByteMap map = MakeTranslation(CzechColumn::Windows1250, CzechColumn::Plain);
-  return Translate(text, map);
-}
+std::string WinTo_8859_2(std::string_view text) { return TranslateColumns<CzechColumn::Windows1250, CzechColumn::Iso8859_2>(text); }
+std::string _8859_2ToWin(std::string_view text) { return TranslateColumns<CzechColumn::Iso8859_2, CzechColumn::Windows1250>(text); }
+std::string WinTo852(std::string_view text) { return TranslateColumns<CzechColumn::Windows1250, CzechColumn::Cp852>(text); }
+std::string cp852ToWin(std::string_view text) { return TranslateColumns<CzechColumn::Cp852, CzechColumn::Windows1250>(text); }
+std::string WinToKAM(std::string_view text) { return TranslateColumns<CzechColumn::Windows1250, CzechColumn::Kamenicky>(text); }
+std::string WinToIBM(std::string_view text) { return TranslateColumns<CzechColumn::Windows1250, CzechColumn::Plain>(text); }
 
 String WinTo_UTF8(StringView text) {
   std::string windows1250(text.size(), '\0');
