@@ -291,6 +291,13 @@ int FractionDigitsToMilliseconds(StringView digits) {
   return milliseconds;
 }
 
+bool TryTimeOfDayMilliseconds(int hour, int min, int sec, int msec, std::int64_t& milliseconds) {
+  TDateTime unused = 0;
+  if (!TryEncodeTime(hour, min, sec, 0, unused)) return false;
+  milliseconds = ((std::int64_t{hour} * MinsPerHour + min) * SecsPerMin + sec) * MSecsPerSec + msec;
+  return true;
+}
+
 }  // namespace date_time_detail
 
 }  // namespace veska

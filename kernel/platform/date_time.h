@@ -162,6 +162,9 @@ namespace date_time_detail {
 // Milliseconds of the decimal fraction of a second given by its digits (the part after the
 // separator), rounded half up: "9995" gives 1000.  The digits must all be 0..9.
 int FractionDigitsToMilliseconds(StringView digits);
+// The milliseconds since midnight of a valid clock time; false for an invalid one.  The
+// milliseconds may be 1000 after rounding, which carries into the next second.
+bool TryTimeOfDayMilliseconds(int hour, int min, int sec, int msec, std::int64_t& milliseconds);
 }  // namespace date_time_detail
 
 }  // namespace veska

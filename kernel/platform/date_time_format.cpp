@@ -298,10 +298,7 @@ bool ReadTime(LocaleReader& reader, const TFormatSettings& settings, std::int64_
       msec = date_time_detail::FractionDigitsToMilliseconds(fraction);
     }
   }
-  TDateTime unused = 0;
-  if (!TryEncodeTime(hour, min, sec, 0, unused)) return false;
-  milliseconds = ((std::int64_t{hour} * MinsPerHour + min) * SecsPerMin + sec) * MSecsPerSec + msec;
-  return true;
+  return date_time_detail::TryTimeOfDayMilliseconds(hour, min, sec, msec, milliseconds);
 }
 
 [[noreturn]] void RaiseNotValid(StringView text, StringView what) {

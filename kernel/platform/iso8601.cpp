@@ -85,10 +85,7 @@ bool ReadTime(IsoReader& reader, std::int64_t& milliseconds) {
       msec = date_time_detail::FractionDigitsToMilliseconds(fraction);
     }
   }
-  TDateTime unused = 0;
-  if (!TryEncodeTime(hour, min, sec, 0, unused)) return false;
-  milliseconds = ((std::int64_t{hour} * MinsPerHour + min) * SecsPerMin + sec) * MSecsPerSec + msec;
-  return true;
+  return date_time_detail::TryTimeOfDayMilliseconds(hour, min, sec, msec, milliseconds);
 }
 
 // Z, or +hh, +hh:mm, +hhmm (and the same with -); the offset east of UTC in milliseconds.
