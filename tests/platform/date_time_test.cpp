@@ -10,6 +10,7 @@
 #include <tuple>
 
 #include "kernel/platform/exceptions.h"
+#include "tests/platform/comma_locale.h"
 
 namespace veska {
 namespace {
@@ -288,24 +289,12 @@ TEST(LocaleDateTime, ReadsTimesAndDateTimesWithOptionalSecondsAndFraction) {
 }
 
 TEST(LocaleDateTime, ResultsDoNotDependOnTheProcessLocale) {
-  // A C++ locale whose numbers use a decimal comma and digit grouping.
-  struct CommaPunct : std::numpunct<char> {
-    char do_decimal_point() const override { return ','; }
-    char do_thousands_sep() const override { return '.'; }
-    std::string do_grouping() const override { return "\3"; }
-  };
-  const std::locale previous = std::locale::global(std::locale(std::locale::classic(), new CommaPunct));
-  const std::string previousC = std::setlocale(LC_ALL, nullptr);
-  for (const char* name : {"cs_CZ.UTF-8", "de_DE.UTF-8", "cs_CZ", "de_DE"}) {
-    if (std::setlocale(LC_ALL, name) != nullptr) break;
-  }
+  const testing::CommaLocale comma_locale;
   const TDateTime value = EncodeDateTime(2031, 5, 1, 7, 5, 3, 6);
   const String formatted = FormatDateTime(u"dd/mm/yyyy hh:nn:ss.zzz", value);
   const String iso = DateToISO8601(value);
   const TDateTime parsed = ISO8601ToDate(u"2031-05-01T07:05:03.006Z");
   const TDateTime read = StrToDateTime(u"1.5.2031 7:05:03.006");
-  std::setlocale(LC_ALL, previousC.c_str());
-  std::locale::global(previous);
   EXPECT_EQ(formatted, u"01.05.2031 07:05:03.006");
   EXPECT_EQ(iso, u"2031-05-01T07:05:03.006Z");
   EXPECT_DOUBLE_EQ(parsed, value);

@@ -10,6 +10,7 @@
 #include <string>
 
 #include "kernel/platform/exceptions.h"
+#include "tests/platform/comma_locale.h"
 
 namespace veska {
 namespace {
@@ -143,22 +144,11 @@ TEST(FloatText, GeneralFormReadsBackToFifteenDigits) {
 }
 
 TEST(FloatText, ResultsDoNotDependOnTheProcessLocale) {
-  struct CommaPunct : std::numpunct<char> {
-    char do_decimal_point() const override { return ','; }
-    char do_thousands_sep() const override { return '.'; }
-    std::string do_grouping() const override { return "\3"; }
-  };
-  const std::locale previous = std::locale::global(std::locale(std::locale::classic(), new CommaPunct));
-  const std::string previousC = std::setlocale(LC_ALL, nullptr);
-  for (const char* name : {"cs_CZ.UTF-8", "de_DE.UTF-8", "cs_CZ", "de_DE"}) {
-    if (std::setlocale(LC_ALL, name) != nullptr) break;
-  }
+  const testing::CommaLocale comma_locale;
   const String general = FloatToStr(1234567.5);
   const String unformatted = FloatToStrUnformatted(-1234567.5);
   double read = 0;
   const bool readOk = TryStrToFloat(u"1234567.5", read);
-  std::setlocale(LC_ALL, previousC.c_str());
-  std::locale::global(previous);
   EXPECT_EQ(general, u"1234567.5");
   EXPECT_EQ(unformatted, u"-1.23456750000000E+0006");
   EXPECT_TRUE(readOk);
