@@ -13,8 +13,7 @@
 namespace veska {
 
 void ResetBaseID() {
-  static std::minstd_rand generator(
-      static_cast<unsigned>(std::chrono::steady_clock::now().time_since_epoch().count()));
+  static std::minstd_rand generator(static_cast<unsigned>(std::chrono::steady_clock::now().time_since_epoch().count()));
   std::uniform_int_distribution<int32_t> mark(0, 31999);
   const int32_t old = BaseID;
   do {

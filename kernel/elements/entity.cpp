@@ -24,9 +24,7 @@ void TEntity::Publish(Publisher<TEntity>& p) {
   p.Property(u"LastIndex", &TEntity::GetLastIndex);
 }
 
-TEntity::~TEntity() {
-  FreeAll();
-}
+TEntity::~TEntity() { FreeAll(); }
 
 TSuperList& TEntity::Elements() {
   if (!elements_) elements_ = std::make_unique<TSuperList>();

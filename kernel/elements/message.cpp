@@ -33,8 +33,7 @@ void TVeskaMessage::Publish(Publisher<TVeskaMessage>& p) {
 
 TVeskaMessage::TVeskaMessage() : Time(Now()) {}
 
-TVeskaMessage::TVeskaMessage(int32_t message, TElement* sender, TElement* receiver, TElement* data,
-                             bool /*kill_data*/)
+TVeskaMessage::TVeskaMessage(int32_t message, TElement* sender, TElement* receiver, TElement* data, bool /*kill_data*/)
     : Sender(sender), Receiver(receiver), Message(message), Data(data), Time(Now()) {}
 
 TVeskaMessage::~TVeskaMessage() {

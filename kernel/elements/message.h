@@ -28,7 +28,7 @@ class TVeskaMessage : public TElement {
   TElement* Sender = nullptr;    // not owned
   TElement* Receiver = nullptr;  // not owned; none means the world's main tool
   int32_t Message = 0;
-  TElement* Data = nullptr;      // owned only when KillData is set
+  TElement* Data = nullptr;  // owned only when KillData is set
   bool KillData = false;
   TDateTime Time = 0;
 

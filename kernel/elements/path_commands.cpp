@@ -79,8 +79,7 @@ class PathWalk {
   }
 
   static Exception SyntaxError(int32_t position, StringView expected) {
-    return Exception(u"Chyba syntaxe. .. na pozici " + IntToStr(position) + u" očekávám \"" + String(expected) +
-                     u"\"");
+    return Exception(u"Chyba syntaxe. .. na pozici " + IntToStr(position) + u" očekávám \"" + String(expected) + u"\"");
   }
 
   // Word "(" Argument ")" [ignored text] "." — or, for the element operation, the end of the

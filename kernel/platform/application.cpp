@@ -24,9 +24,7 @@ String RunningExecutable() {
   return error ? String() : FromUtf8(path.string());
 }
 
-String FileStem(const String& path) {
-  return FromUtf8(std::filesystem::path(ToUtf8(path)).stem().string());
-}
+String FileStem(const String& path) { return FromUtf8(std::filesystem::path(ToUtf8(path)).stem().string()); }
 
 }  // namespace
 

@@ -135,12 +135,10 @@ class TApplication {
   // (or when empty) the exception's message goes to ShowMessage as an error.
   TExceptionHandler SetOnException(TExceptionHandler handler);
   // Appends a message to the queue and returns at once.
-  void PostMessage(std::uint32_t msg, std::uintptr_t wparam, std::intptr_t lparam,
-                   std::function<void()> discard = {});
+  void PostMessage(std::uint32_t msg, std::uintptr_t wparam, std::intptr_t lparam, std::function<void()> discard = {});
   // Calls the window procedure at once on the calling thread; true when it took the message.
   // A message it does not take is discarded.
-  bool SendMessage(std::uint32_t msg, std::uintptr_t wparam, std::intptr_t lparam,
-                   std::function<void()> discard = {});
+  bool SendMessage(std::uint32_t msg, std::uintptr_t wparam, std::intptr_t lparam, std::function<void()> discard = {});
   // Hands pending messages to the window procedure in the order they were posted until the
   // queue is empty, including messages posted meanwhile.  Messages not taken, or all of them
   // when no window procedure is installed, are discarded.  A window procedure that throws has

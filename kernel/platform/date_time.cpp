@@ -101,9 +101,7 @@ std::optional<TimeStamp> ToCalendarTimeStamp(TDateTime value) {
 
 TDateTime CombineDateAndTime(TDateTime date, TDateTime time) { return date >= 0 ? date + time : date - time; }
 
-TDateTime LastMillisecondOf(TDateTime day) {
-  return CombineDateAndTime(day, EncodeTime(23, 59, 59, 999));
-}
+TDateTime LastMillisecondOf(TDateTime day) { return CombineDateAndTime(day, EncodeTime(23, 59, 59, 999)); }
 
 using std::chrono::system_clock;
 
@@ -134,8 +132,8 @@ TDateTime EncodeDate(int year, int month, int day) {
 }
 
 bool TryEncodeTime(int hour, int min, int sec, int msec, TDateTime& time) {
-  if (hour < 0 || hour >= HoursPerDay || min < 0 || min >= MinsPerHour || sec < 0 || sec >= SecsPerMin ||
-      msec < 0 || msec >= MSecsPerSec) {
+  if (hour < 0 || hour >= HoursPerDay || min < 0 || min >= MinsPerHour || sec < 0 || sec >= SecsPerMin || msec < 0 ||
+      msec >= MSecsPerSec) {
     return false;
   }
   const std::int64_t total = ((std::int64_t{hour} * MinsPerHour + min) * SecsPerMin + sec) * MSecsPerSec + msec;
@@ -257,8 +255,7 @@ TDateTime Now() {
   localtime_r(&seconds, &local);
   // A leap second, which some systems report as second 60, is shown as the second before it.
   const int sec = local.tm_sec < SecsPerMin ? local.tm_sec : SecsPerMin - 1;
-  return EncodeDateTime(local.tm_year + 1900, local.tm_mon + 1, local.tm_mday, local.tm_hour, local.tm_min,
-                        sec, msec);
+  return EncodeDateTime(local.tm_year + 1900, local.tm_mon + 1, local.tm_mday, local.tm_hour, local.tm_min, sec, msec);
 }
 
 TDateTime Date() { return DateOf(Now()); }

@@ -49,13 +49,11 @@ TDateTime EncodeTime(int hour, int min, int sec, int msec);
 bool TryEncodeTime(int hour, int min, int sec, int msec, TDateTime& time);
 // Date and time together; before 30 December 1899 the time is subtracted (the platform's rule).
 TDateTime EncodeDateTime(int year, int month, int day, int hour, int min, int sec, int msec);
-bool TryEncodeDateTime(int year, int month, int day, int hour, int min, int sec, int msec,
-                       TDateTime& value);
+bool TryEncodeDateTime(int year, int month, int day, int hour, int min, int sec, int msec, TDateTime& value);
 
 void DecodeDate(TDateTime value, int& year, int& month, int& day);
 void DecodeTime(TDateTime value, int& hour, int& min, int& sec, int& msec);
-void DecodeDateTime(TDateTime value, int& year, int& month, int& day, int& hour, int& min,
-                    int& sec, int& msec);
+void DecodeDateTime(TDateTime value, int& year, int& month, int& day, int& hour, int& min, int& sec, int& msec);
 
 // 1 = Sunday ... 7 = Saturday, as the platform counted; 0 outside the calendar range.
 int DayOfWeek(TDateTime value);

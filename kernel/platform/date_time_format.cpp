@@ -139,19 +139,28 @@ class DateTimeFormatter {
         }
         break;
       case u'D':
-        if (count <= 2) AppendNumber(day_, count);
-        else if (count == 3) AppendName(settings_.ShortDayNames, dayOfWeek_);
-        else if (count == 4) AppendName(settings_.LongDayNames, dayOfWeek_);
-        else Append(settings_.ShortDateFormat, nesting + 1);
+        if (count <= 2)
+          AppendNumber(day_, count);
+        else if (count == 3)
+          AppendName(settings_.ShortDayNames, dayOfWeek_);
+        else if (count == 4)
+          AppendName(settings_.LongDayNames, dayOfWeek_);
+        else
+          Append(settings_.ShortDateFormat, nesting + 1);
         break;
       case u'M':
-        if (count <= 2) AppendNumber(month_, count);
-        else if (count == 3) AppendName(settings_.ShortMonthNames, month_);
-        else AppendName(settings_.LongMonthNames, month_);
+        if (count <= 2)
+          AppendNumber(month_, count);
+        else if (count == 3)
+          AppendName(settings_.ShortMonthNames, month_);
+        else
+          AppendName(settings_.LongMonthNames, month_);
         break;
       case u'Y':
-        if (count <= 2) AppendNumber(year_ % 100, 2);
-        else AppendNumber(year_, 4);
+        if (count <= 2)
+          AppendNumber(year_ % 100, 2);
+        else
+          AppendNumber(year_, 4);
         break;
       case u'H': {
         int hour = hour_;
@@ -159,11 +168,21 @@ class DateTimeFormatter {
         AppendNumber(hour, count >= 2 ? 2 : 1);
         break;
       }
-      case u'N': AppendNumber(min_, count >= 2 ? 2 : 1); break;
-      case u'S': AppendNumber(sec_, count >= 2 ? 2 : 1); break;
-      case u'Z': AppendNumber(msec_, count >= 3 ? 3 : 1); break;
-      case u'T': Append(count == 1 ? settings_.ShortTimeFormat : settings_.LongTimeFormat, nesting + 1); break;
-      default: result_.append(pattern.substr(pos, count)); break;
+      case u'N':
+        AppendNumber(min_, count >= 2 ? 2 : 1);
+        break;
+      case u'S':
+        AppendNumber(sec_, count >= 2 ? 2 : 1);
+        break;
+      case u'Z':
+        AppendNumber(msec_, count >= 3 ? 3 : 1);
+        break;
+      case u'T':
+        Append(count == 1 ? settings_.ShortTimeFormat : settings_.LongTimeFormat, nesting + 1);
+        break;
+      default:
+        result_.append(pattern.substr(pos, count));
+        break;
     }
   }
 
@@ -182,10 +201,15 @@ DateOrder DateOrderOf(StringView shortDateFormat) {
       continue;
     }
     switch (AsciiUpperChar(shortDateFormat[pos])) {
-      case u'D': return DateOrder::DMY;
-      case u'M': return DateOrder::MDY;
-      case u'Y': return DateOrder::YMD;
-      default: ++pos; break;
+      case u'D':
+        return DateOrder::DMY;
+      case u'M':
+        return DateOrder::MDY;
+      case u'Y':
+        return DateOrder::YMD;
+      default:
+        ++pos;
+        break;
     }
   }
   return DateOrder::DMY;

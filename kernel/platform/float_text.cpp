@@ -26,8 +26,8 @@ struct DecimalDigits {
 
 DecimalDigits RoundToSignificantDigits(double magnitude) {
   char buffer[64];
-  const auto written = std::to_chars(buffer, buffer + sizeof buffer, magnitude, std::chars_format::scientific,
-                                     kSignificantDigits - 1);
+  const auto written =
+      std::to_chars(buffer, buffer + sizeof buffer, magnitude, std::chars_format::scientific, kSignificantDigits - 1);
   const std::string_view text(buffer, std::size_t(written.ptr - buffer));  // d.dddde[+-]xx
   const std::size_t e = text.find('e');
   DecimalDigits result;
@@ -85,8 +85,8 @@ String FloatToStr(double value, const TFormatSettings& settings) {
 String FloatToStrUnformatted(double value) {
   if (const auto word = NonFiniteWord(value); !word.empty()) return Ascii(word);
   char buffer[64];
-  const auto written = std::to_chars(buffer, buffer + sizeof buffer, value, std::chars_format::scientific,
-                                     kSignificantDigits - 1);
+  const auto written =
+      std::to_chars(buffer, buffer + sizeof buffer, value, std::chars_format::scientific, kSignificantDigits - 1);
   const std::string_view text(buffer, std::size_t(written.ptr - buffer));  // [-]d.dddde[+-]xx[x]
   const std::size_t e = text.find('e');
   int exponent = 0;

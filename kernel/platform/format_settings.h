@@ -25,12 +25,11 @@ struct TFormatSettings {
   String ShortTimeFormat = u"h:nn";
   // Names for the pattern letters ddd, dddd (Sunday first, as the platform counted) and mmm, mmmm.
   std::array<String, 7> ShortDayNames{u"ne", u"po", u"út", u"st", u"čt", u"pá", u"so"};
-  std::array<String, 7> LongDayNames{u"neděle", u"pondělí", u"úterý", u"středa",
-                                     u"čtvrtek", u"pátek", u"sobota"};
+  std::array<String, 7> LongDayNames{u"neděle", u"pondělí", u"úterý", u"středa", u"čtvrtek", u"pátek", u"sobota"};
   std::array<String, 12> ShortMonthNames{u"led", u"úno", u"bře", u"dub", u"kvě", u"čvn",
                                          u"čvc", u"srp", u"zář", u"říj", u"lis", u"pro"};
-  std::array<String, 12> LongMonthNames{u"leden", u"únor", u"březen", u"duben", u"květen", u"červen",
-                                        u"červenec", u"srpen", u"září", u"říjen", u"listopad", u"prosinec"};
+  std::array<String, 12> LongMonthNames{u"leden",    u"únor",  u"březen", u"duben", u"květen",   u"červen",
+                                        u"červenec", u"srpen", u"září",   u"říjen", u"listopad", u"prosinec"};
   // Words of the pattern letters ampm.
   String TimeAMString = u"dop.";
   String TimePMString = u"odp.";

@@ -92,8 +92,8 @@ class ClassInfo {
   using Factory = TObject* (*)();
   using PublishFunction = void (*)(ClassInfo&);
 
-  ClassInfo(StringView name, const ClassInfo* parent, StringView unit_name, std::size_t instance_size,
-            Factory factory, PublishFunction publish);
+  ClassInfo(StringView name, const ClassInfo* parent, StringView unit_name, std::size_t instance_size, Factory factory,
+            PublishFunction publish);
   ClassInfo(const ClassInfo&) = delete;
   ClassInfo& operator=(const ClassInfo&) = delete;
 

@@ -7,9 +7,7 @@
 
 namespace veska {
 
-void ListIndexError(int index) {
-  throw EListError(u"List index out of bounds (" + IntToStr(index) + u")");
-}
+void ListIndexError(int index) { throw EListError(u"List index out of bounds (" + IntToStr(index) + u")"); }
 
 void TList::CheckIndex(int index) const {
   if (index < 0 || index >= Count()) ListIndexError(index);

@@ -28,10 +28,10 @@ class TList {
   void* First() const { return Get(0); }
   void* Last() const { return Get(Count() - 1); }
 
-  int Add(void* item);                // the index of the new item
-  void Insert(int index, void* item); // index 0..Count (Count appends)
+  int Add(void* item);                 // the index of the new item
+  void Insert(int index, void* item);  // index 0..Count (Count appends)
   void Delete(int index);
-  int Remove(void* item);             // removes the first occurrence; its index, or -1
+  int Remove(void* item);                        // removes the first occurrence; its index, or -1
   int IndexOf(const void* item) const noexcept;  // the first occurrence, or -1
   void Exchange(int index1, int index2);
   void Clear() noexcept { items_.clear(); }

@@ -8,7 +8,12 @@ namespace veska {
 
 PropInfo::PropInfo(String name, const TypeInfo& type, ValueFamily family, TAccessKind read, TAccessKind write,
                    std::unique_ptr<PropertyAccessor> accessor)
-    : name_(std::move(name)), type_(&type), family_(family), read_(read), write_(write), accessor_(std::move(accessor)) {}
+    : name_(std::move(name)),
+      type_(&type),
+      family_(family),
+      read_(read),
+      write_(write),
+      accessor_(std::move(accessor)) {}
 
 bool PropInfo::IsStored(const TObject& object) const {
   return stored_.Predicate ? stored_.Predicate(object) : stored_.Constant;
@@ -38,7 +43,9 @@ TMethod PropInfo::GetMethod(const TObject& object) const { return Reader(ValueFa
 void PropInfo::SetMethod(TObject& object, const TMethod& value) const {
   Writer(ValueFamily::Method).SetMethod(object, value);
 }
-Variant PropInfo::GetVariant(const TObject& object) const { return Reader(ValueFamily::VariantValue).GetVariant(object); }
+Variant PropInfo::GetVariant(const TObject& object) const {
+  return Reader(ValueFamily::VariantValue).GetVariant(object);
+}
 void PropInfo::SetVariant(TObject& object, const Variant& value) const {
   Writer(ValueFamily::VariantValue).SetVariant(object, value);
 }

@@ -39,8 +39,8 @@ class PropertyAccessor {
 // Whether a property's value is written when its object is saved: a constant, or a predicate
 // evaluated on the object.
 struct StoredAccess {
-  bool Constant = true;                                // meaningful when Predicate is empty
-  std::function<bool(const TObject&)> Predicate;       // a stored field or method
+  bool Constant = true;                           // meaningful when Predicate is empty
+  std::function<bool(const TObject&)> Predicate;  // a stored field or method
   bool IsConstantFalse() const { return !Predicate && !Constant; }
 };
 

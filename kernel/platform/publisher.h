@@ -59,43 +59,55 @@ class MemberAccessor final : public PropertyAccessor {
   MemberAccessor(Getter getter, Setter setter) : getter_(getter), setter_(setter) {}
 
   int64_t GetOrd(const TObject& o) const override {
-    if constexpr (Traits::Family == ValueFamily::Ordinal) return Traits::ToOrd(Get(o));
-    else return 0;
+    if constexpr (Traits::Family == ValueFamily::Ordinal)
+      return Traits::ToOrd(Get(o));
+    else
+      return 0;
   }
   void SetOrd(TObject& o, int64_t v) const override {
     if constexpr (Traits::Family == ValueFamily::Ordinal) Set(o, Traits::FromOrd(v));
   }
   double GetFloat(const TObject& o) const override {
-    if constexpr (Traits::Family == ValueFamily::Float) return Traits::ToFloat(Get(o));
-    else return 0;
+    if constexpr (Traits::Family == ValueFamily::Float)
+      return Traits::ToFloat(Get(o));
+    else
+      return 0;
   }
   void SetFloat(TObject& o, double v) const override {
     if constexpr (Traits::Family == ValueFamily::Float) Set(o, Traits::FromFloat(v));
   }
   String GetStr(const TObject& o) const override {
-    if constexpr (Traits::Family == ValueFamily::Text) return Traits::ToStr(Get(o));
-    else return {};
+    if constexpr (Traits::Family == ValueFamily::Text)
+      return Traits::ToStr(Get(o));
+    else
+      return {};
   }
   void SetStr(TObject& o, const String& v) const override {
     if constexpr (Traits::Family == ValueFamily::Text) Set(o, Traits::FromStr(v));
   }
   TObject* GetObj(const TObject& o) const override {
-    if constexpr (Traits::Family == ValueFamily::Object) return Traits::ToObj(Get(o));
-    else return nullptr;
+    if constexpr (Traits::Family == ValueFamily::Object)
+      return Traits::ToObj(Get(o));
+    else
+      return nullptr;
   }
   void SetObj(TObject& o, TObject* v) const override {
     if constexpr (Traits::Family == ValueFamily::Object) Set(o, Traits::FromObj(v));
   }
   TMethod GetMethod(const TObject& o) const override {
-    if constexpr (Traits::Family == ValueFamily::Method) return Get(o);
-    else return {};
+    if constexpr (Traits::Family == ValueFamily::Method)
+      return Get(o);
+    else
+      return {};
   }
   void SetMethod(TObject& o, const TMethod& v) const override {
     if constexpr (Traits::Family == ValueFamily::Method) Set(o, v);
   }
   Variant GetVariant(const TObject& o) const override {
-    if constexpr (Traits::Family == ValueFamily::VariantValue) return Get(o);
-    else return {};
+    if constexpr (Traits::Family == ValueFamily::VariantValue)
+      return Get(o);
+    else
+      return {};
   }
   void SetVariant(TObject& o, const Variant& v) const override {
     if constexpr (Traits::Family == ValueFamily::VariantValue) Set(o, v);
@@ -115,8 +127,10 @@ class MemberAccessor final : public PropertyAccessor {
   void Set(TObject& o, V value) const {
     if constexpr (!std::is_same_v<Setter, std::nullptr_t>) {
       auto& owner = static_cast<Owner&>(o);
-      if constexpr (IsField<Setter>) std::invoke(setter_, owner) = std::move(value);
-      else std::invoke(setter_, owner, std::move(value));
+      if constexpr (IsField<Setter>)
+        std::invoke(setter_, owner) = std::move(value);
+      else
+        std::invoke(setter_, owner, std::move(value));
     }
   }
 
@@ -137,8 +151,7 @@ class PropertyBuilder {
   }
   // Stored when the object's flag field or predicate method says so.
   template <class Member>
-    requires std::is_member_pointer_v<Member>
-  PropertyBuilder& Stored(Member predicate) {
+  requires std::is_member_pointer_v<Member> PropertyBuilder& Stored(Member predicate) {
     property_.stored_ = {true, [predicate](const TObject& o) {
                            using Owner = typename ClassOfMember<Member>::Type;
                            return static_cast<bool>(std::invoke(predicate, static_cast<const Owner&>(o)));
@@ -205,7 +218,9 @@ class Publisher {
 namespace detail {
 
 template <class T>
-concept DeclaresOwnPublish = requires { static_cast<void (*)(Publisher<T>&)>(&T::Publish); };
+concept DeclaresOwnPublish = requires {
+  static_cast<void (*)(Publisher<T>&)>(&T::Publish);
+};
 
 template <class T>
 void PublishClass(ClassInfo& info) {
@@ -237,11 +252,11 @@ const ClassInfo& ClassInfoOf() {
 
 // Declares the run-time class of a TObject descendant: its name, parent and unit.  The one
 // macro of the object model, because the class name must be both a type and a text.
-#define VESKA_CLASS(Class, Parent, Unit)                                                  \
- public:                                                                                  \
-  using inherited = Parent;                                                               \
-  static constexpr std::u16string_view StaticClassName = u## #Class;                      \
-  static constexpr std::u16string_view StaticUnitName = Unit;                             \
+#define VESKA_CLASS(Class, Parent, Unit)                                                       \
+ public:                                                                                       \
+  using inherited = Parent;                                                                    \
+  static constexpr std::u16string_view StaticClassName = u## #Class;                           \
+  static constexpr std::u16string_view StaticUnitName = Unit;                                  \
   static const ::veska::ClassInfo& StaticClassInfo() { return ::veska::ClassInfoOf<Class>(); } \
   const ::veska::ClassInfo& ClassType() const override { return StaticClassInfo(); }
 

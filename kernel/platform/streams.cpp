@@ -15,9 +15,7 @@ namespace {
 
 // The absolute position that a seek aims at; EStreamError when it lies before the beginning.
 int64_t SeekTarget(int64_t offset, TSeekOrigin origin, int64_t current, int64_t size) {
-  const int64_t base = origin == TSeekOrigin::soBeginning ? 0
-                       : origin == TSeekOrigin::soCurrent ? current
-                                                          : size;
+  const int64_t base = origin == TSeekOrigin::soBeginning ? 0 : origin == TSeekOrigin::soCurrent ? current : size;
   const int64_t target = CheckedAdd(base, offset);
   if (target < 0) throw EStreamError(u"Stream seek error: position " + IntToStr(target) + u" is before the beginning");
   return target;
@@ -142,11 +140,17 @@ TFileStream::TFileStream(const String& file_name, TFileMode mode) : file_name_(f
   using std::ios_base;
   ios_base::openmode open_mode = ios_base::binary;
   switch (mode) {
-    case TFileMode::fmCreate: open_mode |= ios_base::in | ios_base::out | ios_base::trunc; break;
-    case TFileMode::fmOpenRead: open_mode |= ios_base::in; break;
+    case TFileMode::fmCreate:
+      open_mode |= ios_base::in | ios_base::out | ios_base::trunc;
+      break;
+    case TFileMode::fmOpenRead:
+      open_mode |= ios_base::in;
+      break;
     // Without ios_base::in an output file buffer truncates the file.
     case TFileMode::fmOpenWrite:
-    case TFileMode::fmOpenReadWrite: open_mode |= ios_base::in | ios_base::out; break;
+    case TFileMode::fmOpenReadWrite:
+      open_mode |= ios_base::in | ios_base::out;
+      break;
   }
   errno = 0;
   if (!file_.open(PathOf(file_name), open_mode)) {

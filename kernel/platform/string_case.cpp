@@ -1,8 +1,8 @@
 // Case mapping and case-insensitive comparison through ICU, in the root locale so that the
 // results never depend on the machine's locale settings.
+#include <unicode/locid.h>
 #include <unicode/uchar.h>
 #include <unicode/unistr.h>
-#include <unicode/locid.h>
 
 #include <algorithm>
 
@@ -11,13 +11,9 @@
 namespace veska {
 namespace {
 
-icu::UnicodeString ToIcu(StringView text) {
-  return icu::UnicodeString(text.data(), static_cast<int32_t>(text.size()));
-}
+icu::UnicodeString ToIcu(StringView text) { return icu::UnicodeString(text.data(), static_cast<int32_t>(text.size())); }
 
-String FromIcu(const icu::UnicodeString& text) {
-  return String(text.getBuffer(), text.getBuffer() + text.length());
-}
+String FromIcu(const icu::UnicodeString& text) { return String(text.getBuffer(), text.getBuffer() + text.length()); }
 
 }  // namespace
 

@@ -117,8 +117,7 @@ String FromUtf8(std::string_view utf8) {
     // Take continuation bytes while they come; a short sequence is replaced as a whole
     // and the byte that broke it is read again as the start of the next one.
     int taken = 1;
-    while (taken < length && i + taken < utf8.size() &&
-           (static_cast<unsigned char>(utf8[i + taken]) & 0xC0) == 0x80) {
+    while (taken < length && i + taken < utf8.size() && (static_cast<unsigned char>(utf8[i + taken]) & 0xC0) == 0x80) {
       cp = (cp << 6) | (static_cast<unsigned char>(utf8[i + taken]) & 0x3F);
       ++taken;
     }
@@ -132,9 +131,7 @@ String FromUtf8(std::string_view utf8) {
   return out;
 }
 
-char16_t Win1250ToChar(unsigned char byte) {
-  return byte < 0x80 ? char16_t(byte) : kWin1250High[byte - 0x80];
-}
+char16_t Win1250ToChar(unsigned char byte) { return byte < 0x80 ? char16_t(byte) : kWin1250High[byte - 0x80]; }
 
 String FromWin1250(std::string_view bytes) {
   String out;

@@ -218,9 +218,8 @@ bool TStringList::Find(StringView line, int& index) const {
 
 void TStringList::Sort() {
   if (sorted_) return;
-  std::stable_sort(items_.begin(), items_.end(), [this](const Item& a, const Item& b) {
-    return CompareStrings(a.Line, b.Line) < 0;
-  });
+  std::stable_sort(items_.begin(), items_.end(),
+                   [this](const Item& a, const Item& b) { return CompareStrings(a.Line, b.Line) < 0; });
 }
 
 void TStringList::SetSorted(bool sorted) {
@@ -296,9 +295,7 @@ void TStringList::SetText(StringView text) {
 
 String TStringList::JoinDelimited(char16_t delimiter, char16_t quote, bool strict) const {
   if (items_.size() == 1 && items_.front().Line.empty()) return String{quote, quote};
-  const auto needs_quotes = [&](char16_t c) {
-    return c == delimiter || c == quote || (!strict && c <= u' ');
-  };
+  const auto needs_quotes = [&](char16_t c) { return c == delimiter || c == quote || (!strict && c <= u' '); };
   String text;
   bool first = true;
   for (const Item& item : items_) {
@@ -331,8 +328,7 @@ void TStringList::SplitDelimited(StringView text, char16_t delimiter, char16_t q
       Add(ExtractQuoted(text, position, quote));
     } else {
       const std::size_t start = position;
-      while (position < text.size() && text[position] != delimiter &&
-             (strict || !IsBlank(text[position]))) {
+      while (position < text.size() && text[position] != delimiter && (strict || !IsBlank(text[position]))) {
         ++position;
       }
       Add(String(text.substr(start, position - start)));
@@ -346,9 +342,7 @@ void TStringList::SplitDelimited(StringView text, char16_t delimiter, char16_t q
   }
 }
 
-String TStringList::DelimitedText() const {
-  return JoinDelimited(delimiter_, quote_char_, strict_delimiter_);
-}
+String TStringList::DelimitedText() const { return JoinDelimited(delimiter_, quote_char_, strict_delimiter_); }
 
 void TStringList::SetDelimitedText(StringView text) {
   SplitDelimited(text, delimiter_, quote_char_, strict_delimiter_);
@@ -358,14 +352,11 @@ String TStringList::CommaText() const { return JoinDelimited(u',', u'"', false);
 
 void TStringList::SetCommaText(StringView text) { SplitDelimited(text, u',', u'"', false); }
 
-void TStringList::LoadFromFile(const String& file_name) {
-  SetText(DecodeTextFile(ReadFileBytes(file_name)));
-}
+void TStringList::LoadFromFile(const String& file_name) { SetText(DecodeTextFile(ReadFileBytes(file_name))); }
 
 void TStringList::SaveToFile(const String& file_name, TTextEncoding encoding) const {
   const String text = Text();
-  WriteFileBytes(file_name, encoding == TTextEncoding::Utf8 ? std::string(kUtf8Bom) + ToUtf8(text)
-                                                            : ToWin1250(text));
+  WriteFileBytes(file_name, encoding == TTextEncoding::Utf8 ? std::string(kUtf8Bom) + ToUtf8(text) : ToWin1250(text));
 }
 
 }  // namespace veska

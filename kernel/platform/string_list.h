@@ -33,7 +33,7 @@ class TStringList : public TPersistent {
   int Count() const noexcept { return static_cast<int>(items_.size()); }
 
   const String& Get(int index) const;
-  void Put(int index, const String& line);       // EListError on a sorted list
+  void Put(int index, const String& line);  // EListError on a sorted list
   void* Objects(int index) const;
   void PutObject(int index, void* object);
 
@@ -60,18 +60,18 @@ class TStringList : public TPersistent {
   void Sort();
 
   bool Sorted() const noexcept { return sorted_; }
-  void SetSorted(bool sorted);                    // setting it sorts the lines
+  void SetSorted(bool sorted);  // setting it sorts the lines
   TDuplicates Duplicates() const noexcept { return duplicates_; }
   void SetDuplicates(TDuplicates duplicates) noexcept { duplicates_ = duplicates; }
   bool CaseSensitive() const noexcept { return case_sensitive_; }
-  void SetCaseSensitive(bool case_sensitive);     // a sorted list is sorted again
+  void SetCaseSensitive(bool case_sensitive);  // a sorted list is sorted again
 
   // name=value lines.  The name is the part before the first "="; a line without "=" has an
   // empty name and an empty value.
   String Names(int index) const;
-  int IndexOfName(StringView name) const;          // the first line with that name, or -1
-  String Values(StringView name) const;            // empty when no line has the name
-  String ValueFromIndex(int index) const;          // empty for a negative index
+  int IndexOfName(StringView name) const;  // the first line with that name, or -1
+  String Values(StringView name) const;    // empty when no line has the name
+  String ValueFromIndex(int index) const;  // empty for a negative index
   // Replaces the value of the first line with that name, appends name=value when there is
   // none, and deletes the line when the value is empty.  As on the platform, appending to a
   // sorted list raises EListError (the new line is written with Put).

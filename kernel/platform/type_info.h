@@ -89,7 +89,11 @@ class TSet {
   constexpr TSet(std::initializer_list<Enum> values) {
     for (Enum v : values) Include(v);
   }
-  static constexpr TSet FromMask(uint32_t mask) { TSet s; s.mask_ = mask; return s; }
+  static constexpr TSet FromMask(uint32_t mask) {
+    TSet s;
+    s.mask_ = mask;
+    return s;
+  }
   constexpr uint32_t Mask() const { return mask_; }
   constexpr bool Contains(Enum v) const { return (mask_ >> Bit(v)) & 1u; }
   constexpr void Include(Enum v) { mask_ |= 1u << Bit(v); }
@@ -121,9 +125,9 @@ template <>
 struct EnumNames<TTypeKind> {
   static constexpr std::u16string_view TypeName = u"TTypeKind";
   static constexpr std::array<std::u16string_view, kTypeKindCount> Names{
-      u"tkUnknown", u"tkInteger", u"tkChar",     u"tkEnumeration", u"tkFloat",   u"tkString",
-      u"tkSet",     u"tkClass",   u"tkMethod",   u"tkWChar",       u"tkLString", u"tkWString",
-      u"tkVariant", u"tkArray",   u"tkRecord",   u"tkInterface",   u"tkInt64",   u"tkDynArray",
+      u"tkUnknown", u"tkInteger",  u"tkChar",    u"tkEnumeration", u"tkFloat",   u"tkString",
+      u"tkSet",     u"tkClass",    u"tkMethod",  u"tkWChar",       u"tkLString", u"tkWString",
+      u"tkVariant", u"tkArray",    u"tkRecord",  u"tkInterface",   u"tkInt64",   u"tkDynArray",
       u"tkUString", u"tkClassRef", u"tkPointer", u"tkProcedure"};
 };
 
@@ -134,8 +138,8 @@ struct TypeInfo {
   TOrdType OrdType = TOrdType::otSLong;  // ordinal kinds only
   int64_t MinValue = 0;                  // ordinal kinds only
   int64_t MaxValue = 0;
-  std::vector<String> EnumValueNames;    // kind 3; for kind 6 see CompType
-  const TypeInfo* CompType = nullptr;    // kind 6: the enumeration of the set's elements
+  std::vector<String> EnumValueNames;         // kind 3; for kind 6 see CompType
+  const TypeInfo* CompType = nullptr;         // kind 6: the enumeration of the set's elements
   const ClassInfo* (*ClassType)() = nullptr;  // kind 7: the class of the referenced objects
 };
 

@@ -12,7 +12,7 @@
 namespace veska {
 namespace {
 
-constexpr uint64_t kIntegerBit = uint64_t{1} << 63;        // explicit integer bit of an extended
+constexpr uint64_t kIntegerBit = uint64_t{1} << 63;  // explicit integer bit of an extended
 constexpr uint64_t kDoubleFractionMask = (uint64_t{1} << 52) - 1;
 constexpr uint64_t kDoubleExponentMask = uint64_t{0x7FF} << 52;
 constexpr uint64_t kDoubleQuietBit = uint64_t{1} << 51;
@@ -97,7 +97,7 @@ double ExtendedToDouble(const TExtendedBytes& bytes) {
 
   if (exponent >= 1 - kDoubleBias) {
     uint64_t mantissa = RoundingShiftRight(significand, 11);  // 53 bits, leading one included
-    if (mantissa >> 53 != 0) {  // rounding carried into a new power of two
+    if (mantissa >> 53 != 0) {                                // rounding carried into a new power of two
       mantissa >>= 1;
       if (++exponent > kDoubleBias) return infinity;
     }
@@ -234,11 +234,16 @@ bool TReader::EndOfList() { return NextValue() == TValueType::vaNull; }
 
 std::optional<int64_t> TReader::ReadIntegerPayload(TValueType tag) {
   switch (tag) {
-    case TValueType::vaInt8: return static_cast<int8_t>(ReadUnsigned(1));
-    case TValueType::vaInt16: return static_cast<int16_t>(ReadUnsigned(2));
-    case TValueType::vaInt32: return static_cast<int32_t>(ReadUnsigned(4));
-    case TValueType::vaInt64: return static_cast<int64_t>(ReadUnsigned(8));
-    default: return std::nullopt;
+    case TValueType::vaInt8:
+      return static_cast<int8_t>(ReadUnsigned(1));
+    case TValueType::vaInt16:
+      return static_cast<int16_t>(ReadUnsigned(2));
+    case TValueType::vaInt32:
+      return static_cast<int32_t>(ReadUnsigned(4));
+    case TValueType::vaInt64:
+      return static_cast<int64_t>(ReadUnsigned(8));
+    default:
+      return std::nullopt;
   }
 }
 
@@ -270,10 +275,13 @@ double TReader::ReadFloat() {
       ReadBytes(raw);
       return ExtendedToDouble(raw);
     }
-    case TValueType::vaSingle: return std::bit_cast<float>(static_cast<uint32_t>(ReadUnsigned(4)));
+    case TValueType::vaSingle:
+      return std::bit_cast<float>(static_cast<uint32_t>(ReadUnsigned(4)));
     case TValueType::vaDouble:
-    case TValueType::vaDate: return std::bit_cast<double>(ReadUnsigned(8));
-    case TValueType::vaCurrency: return static_cast<double>(static_cast<int64_t>(ReadUnsigned(8))) / 10000.0;
+    case TValueType::vaDate:
+      return std::bit_cast<double>(ReadUnsigned(8));
+    case TValueType::vaCurrency:
+      return static_cast<double>(static_cast<int64_t>(ReadUnsigned(8))) / 10000.0;
     default:
       if (const std::optional<int64_t> value = ReadIntegerPayload(tag)) return static_cast<double>(*value);
       UnexpectedTag(tag, at, u"a float");
@@ -285,9 +293,12 @@ String TReader::ReadStringValue(StringView expected) {
   const TValueType tag = ReadValue();
   switch (tag) {
     case TValueType::vaString:
-    case TValueType::vaIdent: return FromWin1250(ReadByteString(static_cast<int64_t>(ReadUnsigned(1))));
-    case TValueType::vaLString: return FromWin1250(ReadByteString(ReadLength32()));
-    case TValueType::vaUTF8String: return FromUtf8(ReadByteString(ReadLength32()));
+    case TValueType::vaIdent:
+      return FromWin1250(ReadByteString(static_cast<int64_t>(ReadUnsigned(1))));
+    case TValueType::vaLString:
+      return FromWin1250(ReadByteString(ReadLength32()));
+    case TValueType::vaUTF8String:
+      return FromUtf8(ReadByteString(ReadLength32()));
     case TValueType::vaWString: {
       const std::string bytes = ReadByteString(int64_t{ReadLength32()} * 2);
       String text(bytes.size() / 2, u'\0');
@@ -297,7 +308,8 @@ String TReader::ReadStringValue(StringView expected) {
       }
       return text;
     }
-    default: UnexpectedTag(tag, at, expected);
+    default:
+      UnexpectedTag(tag, at, expected);
   }
 }
 
@@ -324,12 +336,18 @@ String TReader::ReadIdent() {
   const int64_t at = Position();
   const TValueType tag = ReadValue();
   switch (tag) {
-    case TValueType::vaIdent: return FromWin1250(ReadByteString(static_cast<int64_t>(ReadUnsigned(1))));
-    case TValueType::vaFalse: return u"False";
-    case TValueType::vaTrue: return u"True";
-    case TValueType::vaNil: return u"nil";
-    case TValueType::vaNull: return u"Null";
-    default: UnexpectedTag(tag, at, u"an identifier");
+    case TValueType::vaIdent:
+      return FromWin1250(ReadByteString(static_cast<int64_t>(ReadUnsigned(1))));
+    case TValueType::vaFalse:
+      return u"False";
+    case TValueType::vaTrue:
+      return u"True";
+    case TValueType::vaNil:
+      return u"nil";
+    case TValueType::vaNull:
+      return u"Null";
+    default:
+      UnexpectedTag(tag, at, u"an identifier");
   }
 }
 
@@ -340,30 +358,38 @@ void TReader::SkipValueAt(int depth) {
   const int64_t at = Position();
   const auto enter_nested = [&] {
     if (depth >= kMaxNesting) {
-      throw EReadError(u"Values nested deeper than " + IntToStr(kMaxNesting) + u" levels at position " +
-                       IntToStr(at));
+      throw EReadError(u"Values nested deeper than " + IntToStr(kMaxNesting) + u" levels at position " + IntToStr(at));
     }
   };
   switch (ReadValue()) {
     case TValueType::vaNull:
     case TValueType::vaFalse:
     case TValueType::vaTrue:
-    case TValueType::vaNil: return;
-    case TValueType::vaInt8: return SkipBytes(1);
-    case TValueType::vaInt16: return SkipBytes(2);
+    case TValueType::vaNil:
+      return;
+    case TValueType::vaInt8:
+      return SkipBytes(1);
+    case TValueType::vaInt16:
+      return SkipBytes(2);
     case TValueType::vaInt32:
-    case TValueType::vaSingle: return SkipBytes(4);
+    case TValueType::vaSingle:
+      return SkipBytes(4);
     case TValueType::vaInt64:
     case TValueType::vaCurrency:
     case TValueType::vaDate:
-    case TValueType::vaDouble: return SkipBytes(8);
-    case TValueType::vaExtended: return SkipBytes(10);
+    case TValueType::vaDouble:
+      return SkipBytes(8);
+    case TValueType::vaExtended:
+      return SkipBytes(10);
     case TValueType::vaString:
-    case TValueType::vaIdent: return SkipShortString();
+    case TValueType::vaIdent:
+      return SkipShortString();
     case TValueType::vaBinary:
     case TValueType::vaLString:
-    case TValueType::vaUTF8String: return SkipBytes(ReadLength32());
-    case TValueType::vaWString: return SkipBytes(int64_t{ReadLength32()} * 2);
+    case TValueType::vaUTF8String:
+      return SkipBytes(ReadLength32());
+    case TValueType::vaWString:
+      return SkipBytes(int64_t{ReadLength32()} * 2);
     case TValueType::vaSet:
       // Set members are raw short strings, not tagged values; an empty one ends the set.
       for (uint64_t length = ReadUnsigned(1); length != 0; length = ReadUnsigned(1)) {
@@ -526,9 +552,10 @@ void TWriter::WriteChar(char16_t c) { WriteString(StringView(&c, 1)); }
 void TWriter::WriteBoolean(bool value) { WriteValue(value ? TValueType::vaTrue : TValueType::vaFalse); }
 
 void TWriter::WriteIdent(StringView ident) {
-  static constexpr std::pair<StringView, TValueType> kNamedTags[] = {
-      {u"False", TValueType::vaFalse}, {u"True", TValueType::vaTrue},
-      {u"nil", TValueType::vaNil},     {u"Null", TValueType::vaNull}};
+  static constexpr std::pair<StringView, TValueType> kNamedTags[] = {{u"False", TValueType::vaFalse},
+                                                                     {u"True", TValueType::vaTrue},
+                                                                     {u"nil", TValueType::vaNil},
+                                                                     {u"Null", TValueType::vaNull}};
   for (const auto& [name, tag] : kNamedTags) {
     if (SameText(ident, name)) return WriteValue(tag);
   }

@@ -19,7 +19,9 @@ template <class V>
 struct ValueTraits;  // defined below for every publishable value type
 
 template <class V>
-concept Publishable = requires { ValueTraits<V>::Family; };
+concept Publishable = requires {
+  ValueTraits<V>::Family;
+};
 
 template <class V>
 const TypeInfo& TypeInfoOf() {
@@ -68,9 +70,8 @@ constexpr StringView IntegerTypeName() {
 
 // Integers of up to 32 bits: kind 1.  Writing keeps the low bytes, as the platform did.
 template <class Int>
-  requires(std::is_integral_v<Int> && sizeof(Int) <= 4 && !std::is_same_v<Int, bool> &&
-           !std::is_same_v<Int, char> && !std::is_same_v<Int, char16_t>)
-struct ValueTraits<Int> {
+requires(std::is_integral_v<Int> && sizeof(Int) <= 4 && !std::is_same_v<Int, bool> && !std::is_same_v<Int, char> &&
+         !std::is_same_v<Int, char16_t>) struct ValueTraits<Int> {
   static constexpr ValueFamily Family = ValueFamily::Ordinal;
   static TypeInfo MakeTypeInfo() {
     return detail::OrdinalTypeInfo<Int>(TTypeKind::tkInteger, detail::IntegerTypeName<Int>());
@@ -141,7 +142,8 @@ template <PublishedEnum Enum>
 struct ValueTraits<TSet<Enum>> {
   static constexpr ValueFamily Family = ValueFamily::Ordinal;
   static TypeInfo MakeTypeInfo() {
-    TypeInfo info = detail::OrdinalTypeInfo<uint32_t>(TTypeKind::tkSet, String(u"set of ") + String(EnumNames<Enum>::TypeName));
+    TypeInfo info =
+        detail::OrdinalTypeInfo<uint32_t>(TTypeKind::tkSet, String(u"set of ") + String(EnumNames<Enum>::TypeName));
     info.CompType = &TypeInfoOf<Enum>();
     return info;
   }
@@ -213,7 +215,7 @@ struct ValueTraits<Variant> {
 // References to objects of a class with type information: kind 7.  Writing an object of
 // another class gives none, so a property never holds an object of the wrong class.
 template <class Object>
-  requires requires { Object::StaticClassName; }
+requires requires { Object::StaticClassName; }
 struct ValueTraits<Object*> {
   static constexpr ValueFamily Family = ValueFamily::Object;
   static TypeInfo MakeTypeInfo() {

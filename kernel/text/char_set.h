@@ -32,9 +32,7 @@ class TCharSet {
     return result;
   }
 
-  constexpr bool Contains(char16_t c) const {
-    return c < kCapacity && (words_[c / 64] >> (c % 64) & 1u) != 0;
-  }
+  constexpr bool Contains(char16_t c) const { return c < kCapacity && (words_[c / 64] >> (c % 64) & 1u) != 0; }
 
   constexpr TCharSet& Include(char16_t c) {
     if (c >= kCapacity) throw ERangeError(u"Character set element out of range");

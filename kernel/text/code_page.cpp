@@ -85,19 +85,32 @@ std::string TranslateColumns(std::string_view text) {
 
 }  // namespace
 
-std::string WinTo_8859_2(std::string_view text) { return TranslateColumns<CzechColumn::Windows1250, CzechColumn::Iso8859_2>(text); }
-std::string _8859_2ToWin(std::string_view text) { return TranslateColumns<CzechColumn::Iso8859_2, CzechColumn::Windows1250>(text); }
-std::string WinTo852(std::string_view text) { return TranslateColumns<CzechColumn::Windows1250, CzechColumn::Cp852>(text); }
-std::string cp852ToWin(std::string_view text) { return TranslateColumns<CzechColumn::Cp852, CzechColumn::Windows1250>(text); }
-std::string WinToKAM(std::string_view text) { return TranslateColumns<CzechColumn::Windows1250, CzechColumn::Kamenicky>(text); }
-std::string WinToIBM(std::string_view text) { return TranslateColumns<CzechColumn::Windows1250, CzechColumn::Plain>(text); }
+std::string WinTo_8859_2(std::string_view text) {
+  return TranslateColumns<CzechColumn::Windows1250, CzechColumn::Iso8859_2>(text);
+}
+std::string _8859_2ToWin(std::string_view text) {
+  return TranslateColumns<CzechColumn::Iso8859_2, CzechColumn::Windows1250>(text);
+}
+std::string WinTo852(std::string_view text) {
+  return TranslateColumns<CzechColumn::Windows1250, CzechColumn::Cp852>(text);
+}
+std::string cp852ToWin(std::string_view text) {
+  return TranslateColumns<CzechColumn::Cp852, CzechColumn::Windows1250>(text);
+}
+std::string WinToKAM(std::string_view text) {
+  return TranslateColumns<CzechColumn::Windows1250, CzechColumn::Kamenicky>(text);
+}
+std::string WinToIBM(std::string_view text) {
+  return TranslateColumns<CzechColumn::Windows1250, CzechColumn::Plain>(text);
+}
 
 String WinTo_UTF8(StringView text) {
   std::string windows1250(text.size(), '\0');
   std::ranges::transform(text, windows1250.begin(), [](char16_t c) { return static_cast<char>(c & 0xFF); });
   const std::string utf8 = ToUtf8(FromWin1250(windows1250));
   String result(utf8.size(), u'\0');
-  std::ranges::transform(utf8, result.begin(), [](char byte) { return static_cast<char16_t>(static_cast<unsigned char>(byte)); });
+  std::ranges::transform(utf8, result.begin(),
+                         [](char byte) { return static_cast<char16_t>(static_cast<unsigned char>(byte)); });
   return result;
 }
 

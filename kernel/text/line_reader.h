@@ -29,16 +29,16 @@ class TCtiRadekClass {
   // Starts reading a new line from its first character and clears the error flag.
   void NovyString(StringView line);
 
-  const String& Radek() const { return line_; }  // the line being read
-  std::size_t Pozice() const { return position_; }  // the 1-based position of the next character
+  const String& Radek() const { return line_; }                 // the line being read
+  std::size_t Pozice() const { return position_; }              // the 1-based position of the next character
   bool KonecRadku() const { return position_ > line_.size(); }  // nothing is left to read
-  bool DosloKChybe() const { return error_; }  // some read failed since NovyString
+  bool DosloKChybe() const { return error_; }                   // some read failed since NovyString
 
   // Moves to a 1-based position, Length+1 meaning the end; any other value sets the error flag
   // and keeps the position.
   void JdiNa(std::size_t position);
 
-  void PreskocMezery();  // skips spaces and tabs
+  void PreskocMezery();                        // skips spaces and tabs
   void PreskocMnozinu(StringView characters);  // skips every character that occurs in `characters`
 
   // The next character after the blanks, taken alone: no separator is consumed after it.
@@ -56,8 +56,8 @@ class TCtiRadekClass {
   // Decimal numbers: an optional sign, digits with at most one decimal mark, an optional
   // exponent (e or E, optional sign, digits).  The mark is '.' or ','; a comma counts as the
   // mark only between two digits, so "1,5" is one and a half while "1, 5" and "1.5,2" are two
-  // numbers.  A '.' needs a digit after it: ".5" is a number, "5." is not.  DejReal gives double and DejExtended long double, the two float
-  // types of the original; a value beyond the type's range is an error.
+  // numbers.  A '.' needs a digit after it: ".5" is a number, "5." is not.  DejReal gives double and DejExtended long
+  // double, the two float types of the original; a value beyond the type's range is an error.
   double DejReal();
   long double DejExtended();
   // true/false, ano/ne or 1/0 in any letter case.
@@ -70,7 +70,7 @@ class TCtiRadekClass {
     std::size_t end;    // 0-based index just past it
   };
 
-  std::size_t FirstNonBlank() const;  // 0-based index of the first non-blank at or after the position
+  std::size_t FirstNonBlank() const;        // 0-based index of the first non-blank at or after the position
   bool IsItemEnd(std::size_t index) const;  // a blank, a separator or the end of the line
   StringView ItemText(Item item) const;
   std::optional<Item> WordItem() const;

@@ -40,8 +40,7 @@ String BezVnejsichMezer(StringView S) {
 String RemoveAllSpaces(StringView S) {
   String result;
   result.reserve(S.size());
-  std::copy_if(S.begin(), S.end(), std::back_inserter(result),
-               [](char16_t c) { return !kBlanks.Contains(c); });
+  std::copy_if(S.begin(), S.end(), std::back_inserter(result), [](char16_t c) { return !kBlanks.Contains(c); });
   return result;
 }
 

@@ -44,7 +44,8 @@ void CheckClassName(String& S) {
 
 String GetValidFileName(StringView S) {
   String result(S);
-  std::replace_if(result.begin(), result.end(), [](char16_t c) { return kInvalidInFileNames.Contains(c); }, u'_');
+  std::replace_if(
+      result.begin(), result.end(), [](char16_t c) { return kInvalidInFileNames.Contains(c); }, u'_');
   return result;
 }
 

@@ -59,8 +59,8 @@ std::optional<double> ParseFloat(StringView S) {
     ++i;
   }
   size_t mantissa_digits = 0;
-  int64_t integer_digits = 0;       // significant digits before the separator
-  int64_t fraction_zeros = 0;       // zeros after the separator before the first other digit
+  int64_t integer_digits = 0;  // significant digits before the separator
+  int64_t fraction_zeros = 0;  // zeros after the separator before the first other digit
   bool seen_separator = false;
   bool seen_significant = false;
   for (; i < text.size(); ++i) {
@@ -113,8 +113,19 @@ std::optional<double> ParseFloat(StringView S) {
 }
 
 constexpr std::array<std::pair<int32_t, StringView>, 13> kRomanDigits{{
-    {1000, u"M"}, {900, u"CM"}, {500, u"D"}, {400, u"CD"}, {100, u"C"}, {90, u"XC"}, {50, u"L"},
-    {40, u"XL"}, {10, u"X"}, {9, u"IX"}, {5, u"V"}, {4, u"IV"}, {1, u"I"},
+    {1000, u"M"},
+    {900, u"CM"},
+    {500, u"D"},
+    {400, u"CD"},
+    {100, u"C"},
+    {90, u"XC"},
+    {50, u"L"},
+    {40, u"XL"},
+    {10, u"X"},
+    {9, u"IX"},
+    {5, u"V"},
+    {4, u"IV"},
+    {1, u"I"},
 }};
 // "MMMDCCCLXXXVIII" (3888) is the longest standard numeral.
 constexpr size_t kLongestRomanNumeral = 15;

@@ -52,8 +52,7 @@ size_t FindSeparatorWithin255(StringView S, char16_t Sep) {
 
 enum class SecondWhenEmpty { Clear, Keep };
 
-bool SplitAtSeparator(StringView S, char16_t Sep, bool trim, SecondWhenEmpty whenEmpty, String& First,
-                      String& Second) {
+bool SplitAtSeparator(StringView S, char16_t Sep, bool trim, SecondWhenEmpty whenEmpty, String& First, String& Second) {
   const size_t index = FindSeparatorWithin255(S, Sep);
   const bool found = index != StringView::npos;
   const StringView rest = found ? S.substr(index + 1) : StringView();
@@ -68,13 +67,12 @@ String ReadToDelimiter(StringView S, const TCharSet& Delims, int32_t Start, char
   return ReadToken(S, Delims, TCharSet(), false, Start, Delim, Pos);
 }
 
-String ReadToDelimiterWithoutWS(StringView S, const TCharSet& Delims, int32_t Start, char16_t& Delim,
-                                int32_t& Pos) {
+String ReadToDelimiterWithoutWS(StringView S, const TCharSet& Delims, int32_t Start, char16_t& Delim, int32_t& Pos) {
   return ReadToken(S, Delims, TCharSet(), true, Start, Delim, Pos);
 }
 
-String ReadToDelimiterWithoutWSIgnoreBlock(StringView S, const TCharSet& Delims, const TCharSet& Blocks,
-                                           int32_t Start, char16_t& Delim, int32_t& Pos) {
+String ReadToDelimiterWithoutWSIgnoreBlock(StringView S, const TCharSet& Delims, const TCharSet& Blocks, int32_t Start,
+                                           char16_t& Delim, int32_t& Pos) {
   return ReadToken(S, Delims, Blocks, true, Start, Delim, Pos);
 }
 

@@ -19,15 +19,14 @@ namespace veska {
 String ReadToDelimiter(StringView S, const TCharSet& Delims, int32_t Start, char16_t& Delim, int32_t& Pos);
 
 // ReadToDelimiter with the token's outer blanks removed (BezVnejsichMezer).
-String ReadToDelimiterWithoutWS(StringView S, const TCharSet& Delims, int32_t Start, char16_t& Delim,
-                                int32_t& Pos);
+String ReadToDelimiterWithoutWS(StringView S, const TCharSet& Delims, int32_t Start, char16_t& Delim, int32_t& Pos);
 
 // ReadToDelimiterWithoutWS where a character of Blocks opens a block that runs to the next
 // occurrence of the same character; delimiters inside the block do not count.  Only the first
 // block of a token is protected; an unclosed block runs to the end of the text.  A character
 // in both sets acts as a block character.
-String ReadToDelimiterWithoutWSIgnoreBlock(StringView S, const TCharSet& Delims, const TCharSet& Blocks,
-                                           int32_t Start, char16_t& Delim, int32_t& Pos);
+String ReadToDelimiterWithoutWSIgnoreBlock(StringView S, const TCharSet& Delims, const TCharSet& Blocks, int32_t Start,
+                                           char16_t& Delim, int32_t& Pos);
 
 // Splits S at its first "=": Name and Value are the trimmed parts, true.  Without "=": Name is
 // the trimmed S, Value empty, false.  The separator's position is held as an 8-bit number under

@@ -4,6 +4,8 @@
 
 namespace veska {
 
-TIntegerListElement* TStringElement::CreateIntegerList() const { return CreateIntegerListElementFromString(GetAsString()); }
+TIntegerListElement* TStringElement::CreateIntegerList() const {
+  return CreateIntegerListElementFromString(GetAsString());
+}
 
 }  // namespace veska

@@ -52,10 +52,10 @@ class TStringListElement : public TOwnerEntity {
   // upward; the first match wins.
   TStringElement* GetStringElementByName(const String& Name);
   TStringElement* GetStringElementByName(const String& Name, int& Index);  // Index -1 for none
-  String GetStringByName(const String& Name);  // empty for none
-  int32_t GetIntegerByName(const String& Name);  // 0 for none
-  bool GetBooleanByName(const String& Name);  // false for none
-  double GetDoubleByName(const String& Name);  // 0 for none
+  String GetStringByName(const String& Name);                              // empty for none
+  int32_t GetIntegerByName(const String& Name);                            // 0 for none
+  bool GetBooleanByName(const String& Name);                               // false for none
+  double GetDoubleByName(const String& Name);                              // 0 for none
   // These append an entry with that name when there is none, then set its value.
   void SetStringByName(const String& Name, const String& Value);
   void SetIntegerByName(const String& Name, int32_t Value);

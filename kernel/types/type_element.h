@@ -16,9 +16,8 @@ enum class TType : uint8_t { _Boolean, _Char, _Byte, _Float, _String, _Integer, 
 template <>
 struct EnumNames<TType> {
   static constexpr std::u16string_view TypeName = u"TType";
-  static constexpr std::array<std::u16string_view, 9> Names{u"_Boolean", u"_Char",    u"_Byte",
-                                                             u"_Float",   u"_String",  u"_Integer",
-                                                             u"_Pointer", u"_DateTime", u"_Other"};
+  static constexpr std::array<std::u16string_view, 9> Names{
+      u"_Boolean", u"_Char", u"_Byte", u"_Float", u"_String", u"_Integer", u"_Pointer", u"_DateTime", u"_Other"};
 };
 
 // The pointer-sized integer of the AsNativeInt view.  References travel as numbers through the

@@ -50,8 +50,10 @@ String TBooleanElement::GetAsString() const { return value_ ? u"true" : u"false"
 
 void TBooleanElement::SetAsString(const String& value) {
   const String upper = UpperCase(value);
-  if (upper == u"TRUE") value_ = true;
-  else if (upper == u"FALSE") value_ = false;
+  if (upper == u"TRUE")
+    value_ = true;
+  else if (upper == u"FALSE")
+    value_ = false;
 }
 
 bool TBooleanElement::GetAsBoolean() const { return value_; }
@@ -319,8 +321,10 @@ String TDateTimeElement::GetAsString() const { return DateTimeToStr(value_); }
 
 void TDateTimeElement::SetAsString(const String& value) {
   TDateTime parsed = 0;
-  if (TryISO8601ToDate(value, parsed, true) || TryStrToDateTime(value, parsed)) value_ = parsed;
-  else value_ = 0;
+  if (TryISO8601ToDate(value, parsed, true) || TryStrToDateTime(value, parsed))
+    value_ = parsed;
+  else
+    value_ = 0;
 }
 
 double TDateTimeElement::GetAsFloat() const { return value_; }

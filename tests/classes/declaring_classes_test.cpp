@@ -28,10 +28,10 @@ namespace {
 class TPump : public TOwnerElement {
   VESKA_CLASS(TPump, TOwnerElement, u"Pumps")
  public:
-  int32_t Speed = 0;                    // a field read and written directly (kind 1)
-  double Pressure = 0;                  // a float field (kind 4)
+  int32_t Speed = 0;                         // a field read and written directly (kind 1)
+  double Pressure = 0;                       // a float field (kind 4)
   TPumpState State = TPumpState::psStopped;  // a published enumeration (kind 3)
-  TPump* Feeds = nullptr;               // a reference to another element (kind 7), not owned
+  TPump* Feeds = nullptr;                    // a reference to another element (kind 7), not owned
 
   // A property behind a getter and a setter (kind 18), saved only when it holds something.
   String GetLabel() const { return label_; }

@@ -118,7 +118,7 @@ TEST(PropertyAccess, EveryKindReadsAndWritesItsTextForm) {
       {u"Int", u"-2147483648", u"-2147483648"},
       {u"Int", u"-922337203685477580805", u"0"},  // huge numbers never wrap into small ones
       {u"Int", u"4294967297", u"0"},              // nor does anything beyond 32 bits
-      {u"Ch", u"řx", u"Y"},  // U+0159 cut to 8 bits is 0x59
+      {u"Ch", u"řx", u"Y"},                       // U+0159 cut to 8 bits is 0x59
       {u"Ch", u"", StringView(u"\0", 1)},
       {u"WCh", u"€", u"€"},
       {u"WCh", u"", StringView(u"\0", 1)},
@@ -139,7 +139,7 @@ TEST(PropertyAccess, EveryKindReadsAndWritesItsTextForm) {
       {u"Flag", u"false", u"False"},
       {u"Meth", u"12;34", u"12;34"},
       {u"Meth", u"56", u"0;56"},  // without ";" the whole text is the data part
-      {u"Wide", u"new", u""},      // wide strings and variants read empty and are never written
+      {u"Wide", u"new", u""},     // wide strings and variants read empty and are never written
       {u"Var", u"4", u""},
   };
   TAllKinds o;
@@ -210,8 +210,12 @@ TEST(PropertyAccess, RandomTextsWrittenToEveryPropertyNeverCrash) {
       for (int i = 0; i < GetPropCount(object); ++i) {
         String text;
         switch (random() % 3) {
-          case 0: text = IntToStr(static_cast<int64_t>(random()) - static_cast<int64_t>(random()) * 4096); break;
-          case 1: text = String(kJunk[random() % kJunk.size()]); break;
+          case 0:
+            text = IntToStr(static_cast<int64_t>(random()) - static_cast<int64_t>(random()) * 4096);
+            break;
+          case 1:
+            text = String(kJunk[random() % kJunk.size()]);
+            break;
           default:
             for (unsigned n = random() % 24; n > 0; --n) text += static_cast<char16_t>(random() % 0x10000);
         }

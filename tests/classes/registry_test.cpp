@@ -106,9 +106,9 @@ TEST(ClassRegistry, UnknownNameGivesNoneOrRaisesWithItsName) {
 
 TEST(ClassRegistry, LibraryClassesAreRegisteredInUnitOrder) {
   constexpr std::array<std::u16string_view, 14> kOrder{
-      u"TVeskaClass",  u"TVeskaClasses",  u"TVeskaClassProperty", u"TElement",       u"TNameElement",
-      u"TOwnerElement", u"TEntity",       u"TNameEntity",         u"TOwnerEntity",   u"TEnvelopeEntity",
-      u"TQuickEntity", u"TVeskaMessage", u"TStringEntity",       u"TYouShallNotPass"};
+      u"TVeskaClass",   u"TVeskaClasses", u"TVeskaClassProperty", u"TElement",        u"TNameElement",
+      u"TOwnerElement", u"TEntity",       u"TNameEntity",         u"TOwnerEntity",    u"TEnvelopeEntity",
+      u"TQuickEntity",  u"TVeskaMessage", u"TStringEntity",       u"TYouShallNotPass"};
   TVeskaClasses& registry = VeskaClasses();
   EXPECT_TRUE(registry.ShowProperties);
   for (std::size_t id = 0; id < kOrder.size(); ++id) {
@@ -144,7 +144,7 @@ TEST(ClassRecord, PropertyTableAndItsQuestions) {
   EXPECT_TRUE(record.IsClassName(u"ttwicenamed"));
   const int count = TTwiceNamed::StaticClassInfo().PropCount();
   ASSERT_EQ(record.PropCount, count);
-  EXPECT_EQ(record.PropertyIndex(u"id"), 0);  // ancestors' properties first
+  EXPECT_EQ(record.PropertyIndex(u"id"), 0);             // ancestors' properties first
   EXPECT_EQ(record.PropertyIndex(u"Other"), count - 2);  // the first of two equal names
   EXPECT_EQ(record.PropertyIndex(u"missing"), -1);
   EXPECT_FALSE(record.GetPropertyStored(count - 2));
@@ -251,8 +251,8 @@ TEST(ClassRecord, SelfCheckPostsOneTextPerStoredNonElementReference) {
   std::vector<String> posted;  // level-8 texts without a sender
   Application().ClearMessages();
   const TWindowProc previous = Application().SetWindowProc([&](TWindowMessage& message) {
-    auto* text = dynamic_cast<TVeskaTextMessage*>(
-        TVeskaMessage::FromWindowMessage(message.Msg, message.WParam, message.LParam));
+    auto* text =
+        dynamic_cast<TVeskaTextMessage*>(TVeskaMessage::FromWindowMessage(message.Msg, message.WParam, message.LParam));
     if (text != nullptr && text->Message == tm_Text && text->Sender == nullptr) {
       posted.push_back(text->GetMessageText());
     }

@@ -1,9 +1,10 @@
+#include "kernel/elements/element.h"
+
 #include <gtest/gtest.h>
 
 #include <set>
 
 #include "kernel/classes/registry.h"
-#include "kernel/elements/element.h"
 #include "kernel/elements/entity.h"
 #include "kernel/elements/named.h"
 #include "kernel/platform/date_time.h"
@@ -82,8 +83,8 @@ TEST(ElementTest, WholeSizeAndCountVisitAnElementReachableTwiceOnceAndStampEvery
   const int32_t whole_size = 3 * root.GetInstanceSize() + shared->GetInstanceSize();
 
   EXPECT_EQ(root.GetWholeSize(), whole_size);
-  for (const TElement* visited : {static_cast<TElement*>(&root), static_cast<TElement*>(left),
-                                  static_cast<TElement*>(right), shared}) {
+  for (const TElement* visited :
+       {static_cast<TElement*>(&root), static_cast<TElement*>(left), static_cast<TElement*>(right), shared}) {
     EXPECT_EQ(visited->ID, BaseID);
   }
   left->AddElement(&root);  // a cycle ends the walks too

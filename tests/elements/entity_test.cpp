@@ -1,8 +1,9 @@
+#include "kernel/elements/entity.h"
+
 #include <gtest/gtest.h>
 
 #include <memory>
 
-#include "kernel/elements/entity.h"
 #include "kernel/elements/message.h"
 #include "kernel/elements/named.h"
 #include "kernel/platform/exceptions.h"

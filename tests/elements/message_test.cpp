@@ -1,8 +1,9 @@
+#include "kernel/elements/message.h"
+
 #include <gtest/gtest.h>
 
 #include <vector>
 
-#include "kernel/elements/message.h"
 #include "kernel/elements/named.h"
 #include "kernel/platform/application.h"
 #include "kernel/platform/exceptions.h"

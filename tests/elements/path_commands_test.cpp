@@ -78,9 +78,15 @@ enum class Operation { Text, List, Element };
 String ErrorOf(TElement& start, Operation operation, const String& command) {
   try {
     switch (operation) {
-      case Operation::Text: start.ExecuteCommandLine(command); break;
-      case Operation::List: delete start.ExecuteCommandLineToList(command); break;
-      case Operation::Element: start.ExecuteCommandLineToElement(command); break;
+      case Operation::Text:
+        start.ExecuteCommandLine(command);
+        break;
+      case Operation::List:
+        delete start.ExecuteCommandLineToList(command);
+        break;
+      case Operation::Element:
+        start.ExecuteCommandLineToElement(command);
+        break;
     }
   } catch (const Exception& error) {
     return error.Message();
@@ -105,7 +111,7 @@ TEST(PathCommands, TextCommandReadsTheLastPropertyOfTheObjectReached) {
       {u" FindElementByName ( abc ) . Name ", u"ABC"},
       {u"FINDELEMENTBYNAME(Sub).FINDELEMENTBYNAME(leaf).Name", u"Leaf"},
       {u"FINDELEMENTBYCLASS(TEntity).Name", u"Sub"},
-      {u"findElementByClass(TElement).Name", u"ABC"},  // a descendant of the class
+      {u"findElementByClass(TElement).Name", u"ABC"},     // a descendant of the class
       {u"FINDELEMENTBYNAME(ABC) ignored .Name", u"ABC"},  // text between ")" and "." is ignored
       // Object-valued properties are followed into any object, element or not.
       {u"Link.FINDELEMENTBYNAME(Leaf).Name", u"Leaf"},
@@ -128,7 +134,7 @@ TEST(PathCommands, ElementCommandReturnsTheObjectReachedOrNone) {
   const std::pair<StringView, const TObject*> cases[] = {
       {u"FINDELEMENTBYNAME(ABC)", tree.abc},
       {u"FINDELEMENTBYNAME(ABC)Name", tree.abc},  // the text behind ")" is read and ignored
-      {u"FINDELEMENTBYNAME(nobody)", nullptr},     // a final search may find nothing
+      {u"FINDELEMENTBYNAME(nobody)", nullptr},    // a final search may find nothing
       {u"LOOKUP(ABC)", nullptr},
       {u"Note", &tree.first},  // a final property: its object, of any class
       {u"Note.Next.Target", tree.leaf},
@@ -147,11 +153,8 @@ TEST(PathCommands, ListGivesOneLinePerMemberOrTheLastProperty) {
   AddNamed<TNameElement>(*tree.root, u"Third");
   const std::vector<String> members{u"ABC", u"Sub", u"Third"};
   const std::pair<StringView, std::vector<String>> cases[] = {
-      {u"ELEMENT.Name", members},
-      {u" element . Name ", members},
-      {u"FINDELEMENTBYNAME(Sub).ELEMENT.Name", {u"Leaf"}},
-      {u"Name", {u"Root"}},
-      {u"Note.Title", {u"first"}},
+      {u"ELEMENT.Name", members}, {u" element . Name ", members}, {u"FINDELEMENTBYNAME(Sub).ELEMENT.Name", {u"Leaf"}},
+      {u"Name", {u"Root"}},       {u"Note.Title", {u"first"}},
   };
   for (const auto& [command, expected] : cases) {
     SCOPED_TRACE(ToUtf8(command));
@@ -217,8 +220,8 @@ TEST(PathCommands, SyntaxAndEntityErrorsGiveTheirTextAndPosition) {
 TEST(PathCommands, RandomCommandsAnswerOrRaiseException) {
   PathTree tree;
   static constexpr std::array<StringView, 12> kPieces{
-      u"(", u")", u".", u" ", u"FINDELEMENTBYNAME", u"findelementbyclass", u"FINDELEMENTBYCLASS",
-      u"ELEMENT", u"Name", u"x", u"Sub", u"Link"};
+      u"(",    u")", u".",   u" ",   u"FINDELEMENTBYNAME", u"findelementbyclass", u"FINDELEMENTBYCLASS", u"ELEMENT",
+      u"Name", u"x", u"Sub", u"Link"};
   std::mt19937 random(20240611);
   std::uniform_int_distribution<size_t> piece(0, kPieces.size() - 1);
   std::uniform_int_distribution<int> length(0, 12);

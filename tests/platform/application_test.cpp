@@ -1,3 +1,5 @@
+#include "kernel/platform/application.h"
+
 #include <gtest/gtest.h>
 
 #include <filesystem>
@@ -6,7 +8,6 @@
 #include <tuple>
 #include <vector>
 
-#include "kernel/platform/application.h"
 #include "kernel/platform/exceptions.h"
 #include "kernel/platform/message_sink.h"
 
@@ -84,9 +85,9 @@ TEST(Application, HooksObserveCursorChangesAndProgress) {
   host.SetProgressText(u"200 bytů z celkových 600");
   host.EndProgress();
   host.EndProgress();
-  EXPECT_EQ(host.events, (std::vector<TProgressEvent>{TProgressEvent::Start, TProgressEvent::Position,
-                                                      TProgressEvent::Maximum, TProgressEvent::Text,
-                                                      TProgressEvent::End}));
+  EXPECT_EQ(host.events,
+            (std::vector<TProgressEvent>{TProgressEvent::Start, TProgressEvent::Position, TProgressEvent::Maximum,
+                                         TProgressEvent::Text, TProgressEvent::End}));
   EXPECT_TRUE(host.states.front().Active);
   EXPECT_EQ(host.states.front().Position, 0);
   const TProgressState& last = host.states.back();

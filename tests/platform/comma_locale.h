@@ -11,8 +11,9 @@ namespace veska::testing {
 
 class CommaLocale {
  public:
-  CommaLocale() : previous_(std::locale::global(std::locale(std::locale::classic(), new CommaPunct))),
-                  previous_c_(std::setlocale(LC_ALL, nullptr)) {
+  CommaLocale()
+      : previous_(std::locale::global(std::locale(std::locale::classic(), new CommaPunct))),
+        previous_c_(std::setlocale(LC_ALL, nullptr)) {
     // The first of these that the machine has; the C++ locale above applies in any case.
     for (const char* name : {"cs_CZ.UTF-8", "de_DE.UTF-8", "cs_CZ", "de_DE"}) {
       if (std::setlocale(LC_ALL, name) != nullptr) break;

@@ -53,8 +53,14 @@ TEST(Calendar, GregorianDaysCountFromTheLastDaysOf1899) {
 
 TEST(Calendar, InvalidDatesAndTimesRaiseConvertError) {
   EXPECT_EQ(ConvertErrorText([] { EncodeDate(1900, 2, 29); }), u"Invalid argument to date encode");
-  for (const auto& [y, m, d] : {std::tuple{0, 1, 1}, {10000, 1, 1}, {2023, 0, 1}, {2023, 13, 1}, {2023, 1, 0},
-                                {2023, 1, 32}, {2023, 4, 31}, {-5, 1, 1}}) {
+  for (const auto& [y, m, d] : {std::tuple{0, 1, 1},
+                                {10000, 1, 1},
+                                {2023, 0, 1},
+                                {2023, 13, 1},
+                                {2023, 1, 0},
+                                {2023, 1, 32},
+                                {2023, 4, 31},
+                                {-5, 1, 1}}) {
     EXPECT_THROW(EncodeDate(y, m, d), EConvertError) << y << "-" << m << "-" << d;
   }
   EXPECT_EQ(ConvertErrorText([] { EncodeTime(24, 0, 0, 0); }), u"Invalid argument to time encode");
@@ -95,7 +101,8 @@ TEST(Calendar, DecodingRoundsToTheMillisecondAndCarriesIntoTheNextDay) {
   DecodeTime(EncodeTime(10, 20, 30, 0) + 0.9995 * kOneMillisecond, h, n, s, ms);
   EXPECT_EQ(std::tuple(h, n, s, ms), std::tuple(10, 20, 30, 1));
   // Before 1899 the carry goes forward in time too, to the next day.
-  EXPECT_EQ(Iso(EncodeDate(1800, 1, 1) - (double(MSecsPerDay) - 0.4) / double(MSecsPerDay)), "1800-01-02T00:00:00.000Z");
+  EXPECT_EQ(Iso(EncodeDate(1800, 1, 1) - (double(MSecsPerDay) - 0.4) / double(MSecsPerDay)),
+            "1800-01-02T00:00:00.000Z");
 }
 
 TEST(Calendar, ValuesOutsideTheCalendarDecodeAsZero) {
@@ -146,8 +153,8 @@ TEST(Iso8601, WritesUtcWithMillisecondsAndZoneWhateverTheSeparators) {
   FormatSettings.DateSeparator = u'/';
   EXPECT_EQ(DateToISO8601(EncodeDate(2031, 5, 1)), u"2031-05-01T00:00:00.000Z");
   FormatSettings = saved;
-  for (TDateTime value : {0.0, -1.25, EncodeDateTime(1, 1, 1, 0, 0, 0, 1), MaxDateTime,
-                          EncodeDateTime(1600, 2, 29, 23, 59, 59, 999)}) {
+  for (TDateTime value :
+       {0.0, -1.25, EncodeDateTime(1, 1, 1, 0, 0, 0, 1), MaxDateTime, EncodeDateTime(1600, 2, 29, 23, 59, 59, 999)}) {
     EXPECT_DOUBLE_EQ(ISO8601ToDate(DateToISO8601(value)), value) << Iso(value);
   }
 }
@@ -157,15 +164,20 @@ TEST(Iso8601, ReadsExtendedAndBasicFormsRoundingToTheMillisecondAndApplyingOffse
     StringView text;
     const char* utc;
   } cases[] = {
-      {u"2031-05-01", "2031-05-01T00:00:00.000Z"},            {u" 20310501 ", "2031-05-01T00:00:00.000Z"},
-      {u"2031-05-01T12:30", "2031-05-01T12:30:00.000Z"},      {u"2031-05-01 12:30:15", "2031-05-01T12:30:15.000Z"},
-      {u"20310501t123015Z", "2031-05-01T12:30:15.000Z"},      {u"2031-05-01T12:30:15.5", "2031-05-01T12:30:15.500Z"},
+      {u"2031-05-01", "2031-05-01T00:00:00.000Z"},
+      {u" 20310501 ", "2031-05-01T00:00:00.000Z"},
+      {u"2031-05-01T12:30", "2031-05-01T12:30:00.000Z"},
+      {u"2031-05-01 12:30:15", "2031-05-01T12:30:15.000Z"},
+      {u"20310501t123015Z", "2031-05-01T12:30:15.000Z"},
+      {u"2031-05-01T12:30:15.5", "2031-05-01T12:30:15.500Z"},
       {u"2031-05-01T12:30:15,25Z", "2031-05-01T12:30:15.250Z"},
       {u"2031-05-01T12:30:15.123456789Z", "2031-05-01T12:30:15.123Z"},
       {u"2031-12-31T23:59:59.9995Z", "2032-01-01T00:00:00.000Z"},
       {u"2031-12-31T23:59:59.9994999Z", "2031-12-31T23:59:59.999Z"},
-      {u"2031-05-01T00:30:00+01:00", "2031-04-30T23:30:00.000Z"}, {u"2031-04-30T22:00-05", "2031-05-01T03:00:00.000Z"},
-      {u"2031-01-01T01:15+0130", "2030-12-31T23:45:00.000Z"},     {u"2031-05-01T12:00-00:00", "2031-05-01T12:00:00.000Z"},
+      {u"2031-05-01T00:30:00+01:00", "2031-04-30T23:30:00.000Z"},
+      {u"2031-04-30T22:00-05", "2031-05-01T03:00:00.000Z"},
+      {u"2031-01-01T01:15+0130", "2030-12-31T23:45:00.000Z"},
+      {u"2031-05-01T12:00-00:00", "2031-05-01T12:00:00.000Z"},
       // Across 30 December 1899 the result keeps the platform's rule for earlier days.
       {u"1899-12-30T02:00+03:00", "1899-12-29T23:00:00.000Z"},
   };
@@ -180,13 +192,35 @@ TEST(Iso8601, ReadsExtendedAndBasicFormsRoundingToTheMillisecondAndApplyingOffse
 }
 
 TEST(Iso8601, MalformedOrOutOfRangeTextFails) {
-  for (StringView text :
-       {u"", u"2031", u"2031-05", u"2031-05-01Z", u"2031-5-1", u"2031/05/01", u"2031-13-01", u"2031-02-29", u"0000-01-01",
-        u"10000-01-01", u"2031-05-01T", u"2031-05-01T12", u"2031-05-01T24:00", u"2031-05-01T12:60",
-        u"2031-05-01T12:30:60", u"2031-05-01T12:30:15.", u"2031-05-01T12:30.5", u"2031-05-01T12:30Z junk",
-        u"2031-05-01T12:30+1", u"2031-05-01T12:30+24:00", u"2031-05-01T12:30+01:60", u"2031-05-01T12:30+01:",
-        u"2031-05-01X12:30", u"2031-05-01  12:30", u"2031-05-01T12:30:15+01:00:00", u"0001-01-01T00:30+01:00",
-        u"9999-12-31T23:30-01:00", u"2031-05-01T1230155", u"\u0662031-05-01"}) {
+  for (StringView text : {u"",
+                          u"2031",
+                          u"2031-05",
+                          u"2031-05-01Z",
+                          u"2031-5-1",
+                          u"2031/05/01",
+                          u"2031-13-01",
+                          u"2031-02-29",
+                          u"0000-01-01",
+                          u"10000-01-01",
+                          u"2031-05-01T",
+                          u"2031-05-01T12",
+                          u"2031-05-01T24:00",
+                          u"2031-05-01T12:60",
+                          u"2031-05-01T12:30:60",
+                          u"2031-05-01T12:30:15.",
+                          u"2031-05-01T12:30.5",
+                          u"2031-05-01T12:30Z junk",
+                          u"2031-05-01T12:30+1",
+                          u"2031-05-01T12:30+24:00",
+                          u"2031-05-01T12:30+01:60",
+                          u"2031-05-01T12:30+01:",
+                          u"2031-05-01X12:30",
+                          u"2031-05-01  12:30",
+                          u"2031-05-01T12:30:15+01:00:00",
+                          u"0001-01-01T00:30+01:00",
+                          u"9999-12-31T23:30-01:00",
+                          u"2031-05-01T1230155",
+                          u"\u0662031-05-01"}) {
     TDateTime value = 42;
     EXPECT_FALSE(TryISO8601ToDate(text, value)) << ToUtf8(text);
     EXPECT_EQ(value, 42) << ToUtf8(text);

@@ -23,16 +23,27 @@ TEST(FloatToStr, PlainNotationBetweenTheExponentsMinusFiveAndFifteenScientificOu
     double value;
     StringView text;
   } cases[] = {
-      {0.0, u"0"}, {-0.0, u"0"}, {1.5, u"1.5"}, {100.0, u"100"}, {0.0001, u"0.0001"},
-      {-0.00012345, u"-0.00012345"}, {123456789012345.0, u"123456789012345"},
-      {1.0 / 3, u"0.333333333333333"}, {2.0 / 3, u"0.666666666666667"},
+      {0.0, u"0"},
+      {-0.0, u"0"},
+      {1.5, u"1.5"},
+      {100.0, u"100"},
+      {0.0001, u"0.0001"},
+      {-0.00012345, u"-0.00012345"},
+      {123456789012345.0, u"123456789012345"},
+      {1.0 / 3, u"0.333333333333333"},
+      {2.0 / 3, u"0.666666666666667"},
       {0.1 + 0.2, u"0.3"},  // 15 digits hide the binary noise
       {1234567.8901234567, u"1234567.89012346"},
-      {0.00001, u"1E-5"}, {-1.5e-7, u"-1.5E-7"}, {1e15, u"1E15"}, {-2.5e20, u"-2.5E20"},
+      {0.00001, u"1E-5"},
+      {-1.5e-7, u"-1.5E-7"},
+      {1e15, u"1E15"},
+      {-2.5e20, u"-2.5E20"},
       {999999999999999.9, u"1E15"},  // rounding to 15 digits raises the exponent
       {std::numeric_limits<double>::max(), u"1.79769313486232E308"},
       {std::numeric_limits<double>::denorm_min(), u"4.94065645841247E-324"},
-      {kNaN, u"NAN"}, {kInfinity, u"INF"}, {-kInfinity, u"-INF"},
+      {kNaN, u"NAN"},
+      {kInfinity, u"INF"},
+      {-kInfinity, u"-INF"},
   };
   for (const auto& [value, text] : cases) EXPECT_EQ(FloatToStr(value), text) << value;
   TFormatSettings comma;
@@ -81,10 +92,21 @@ TEST(StrToFloat, AcceptsSignsBlanksFractionsAndExponents) {
   const struct {
     StringView text;
     double value;
-  } cases[] = {{u"1.5", 1.5},        {u" -1.5 ", -1.5},       {u"+2", 2},        {u".5", 0.5},
-               {u"5.", 5},           {u"1e3", 1000},          {u"1E+3", 1000},   {u"-1.5e-7", -1.5e-7},
-               {u"\t007\t", 7},      {u"0e999999999999", 0},  {u"1e-400", 0},    {u"-1e-99999999999999999999", -0.0},
-               {u"inf", kInfinity},  {u" -INF ", -kInfinity}, {u"+Inf", kInfinity},
+  } cases[] = {{u"1.5", 1.5},
+               {u" -1.5 ", -1.5},
+               {u"+2", 2},
+               {u".5", 0.5},
+               {u"5.", 5},
+               {u"1e3", 1000},
+               {u"1E+3", 1000},
+               {u"-1.5e-7", -1.5e-7},
+               {u"\t007\t", 7},
+               {u"0e999999999999", 0},
+               {u"1e-400", 0},
+               {u"-1e-99999999999999999999", -0.0},
+               {u"inf", kInfinity},
+               {u" -INF ", -kInfinity},
+               {u"+Inf", kInfinity},
                {u"0.000000000000000000000000000000000000000000000000000000000000000000000000000000000000000000000"
                 u"000000000000000000000000000000000000000000000000000000000000000000000000000000000000000000000"
                 u"000000000000000000000000000000000000000000000000000000000000000000000000000000000000000000000"
@@ -101,9 +123,10 @@ TEST(StrToFloat, AcceptsSignsBlanksFractionsAndExponents) {
 }
 
 TEST(StrToFloat, RejectsMalformedAndOverflowingText) {
-  for (StringView text : {u"", u" ", u".", u"-", u"+.", u"1.5.2", u"1,5", u"1e", u"1e+", u"e5", u"1 5", u"0x10",
-                          u"1.5x", u"--1", u"-NAN", u"infinity", u"1e309", u"-1e99999999999999999999",
-                          u"1e-2.5", u"\u0661", u"１"}) {
+  for (StringView text :
+       {u"",       u" ",      u".",    u"-",    u"+.",  u"1.5.2", u"1,5",      u"1e",    u"1e+",
+        u"e5",     u"1 5",    u"0x10", u"1.5x", u"--1", u"-NAN",  u"infinity", u"1e309", u"-1e99999999999999999999",
+        u"1e-2.5", u"\u0661", u"１"}) {
     double value = 42;
     EXPECT_FALSE(TryStrToFloat(text, value)) << ToUtf8(text);
     EXPECT_EQ(value, 42) << ToUtf8(text);

@@ -112,19 +112,19 @@ TEST(StringList, NameValueLines) {
   EXPECT_EQ(list.Names(3), u"Path");
   EXPECT_EQ(list.IndexOfName(u"WIDTH"), 1);  // the first of the two, ignoring case
   EXPECT_EQ(list.Values(u"width"), u"10");
-  EXPECT_EQ(list.Values(u"path"), u"a=b");   // split at the first "="
+  EXPECT_EQ(list.Values(u"path"), u"a=b");  // split at the first "="
   EXPECT_EQ(list.Values(u""), u"nameless");
-  EXPECT_EQ(list.Values(u"plain"), u"");     // a line without "=" has no name
+  EXPECT_EQ(list.Values(u"plain"), u"");  // a line without "=" has no name
   EXPECT_EQ(list.ValueFromIndex(0), u"");
   EXPECT_EQ(list.ValueFromIndex(3), u"a=b");
 
-  list.SetValue(u"WIDTH", u"30");            // rewrites the line with the name as given
+  list.SetValue(u"WIDTH", u"30");  // rewrites the line with the name as given
   EXPECT_EQ(list.Get(1), u"WIDTH=30");
-  list.SetValue(u"Height", u"5");            // appended
+  list.SetValue(u"Height", u"5");  // appended
   EXPECT_EQ(list.Get(list.Count() - 1), u"Height=5");
-  list.SetValue(u"path", u"");               // an empty value deletes the line
+  list.SetValue(u"path", u"");  // an empty value deletes the line
   EXPECT_EQ(list.IndexOfName(u"Path"), -1);
-  list.SetValue(u"missing", u"");            // nothing to delete
+  list.SetValue(u"missing", u"");  // nothing to delete
   EXPECT_EQ(Lines(list), (std::vector<String>{u"plain", u"WIDTH=30", u"=nameless", u"width=20", u"Height=5"}));
 }
 
@@ -133,7 +133,7 @@ TEST(StringList, SortedListsKeepOrderAndApplyDuplicates) {
   list.SetSorted(true);
   EXPECT_EQ(Lines(list), (std::vector<String>{u"Apple", u"fig", u"pear", u"čaj"}));
   EXPECT_EQ(list.Add(u"banana"), 1);
-  EXPECT_EQ(list.Add(u"APPLE"), 0);          // ignored: the index of the line held
+  EXPECT_EQ(list.Add(u"APPLE"), 0);  // ignored: the index of the line held
   EXPECT_EQ(list.Count(), 5);
   EXPECT_EQ(list.IndexOf(u"PEAR"), 3);
   int index = -1;
@@ -141,7 +141,7 @@ TEST(StringList, SortedListsKeepOrderAndApplyDuplicates) {
   EXPECT_EQ(index, 3);
 
   list.SetDuplicates(TDuplicates::Accept);
-  EXPECT_EQ(list.Add(u"FIG"), 2);            // before the equal line already there
+  EXPECT_EQ(list.Add(u"FIG"), 2);  // before the equal line already there
   EXPECT_EQ(list.Get(3), u"fig");
 
   list.SetDuplicates(TDuplicates::Error);

@@ -63,7 +63,9 @@ class TDerivedSample : public TSample {
   VESKA_CLASS(TDerivedSample, TSample, u"SampleUnit")
  public:
   String Extra;
-  static void Publish(Publisher<TDerivedSample>& p) { p.Property(u"Extra", &TDerivedSample::Extra, &TDerivedSample::Extra); }
+  static void Publish(Publisher<TDerivedSample>& p) {
+    p.Property(u"Extra", &TDerivedSample::Extra, &TDerivedSample::Extra);
+  }
 };
 
 class TSilentSample : public TDerivedSample {
@@ -73,11 +75,11 @@ class TSilentSample : public TDerivedSample {
 TEST(ObjectModel, KindsAreDeducedFromTheCppTypes) {
   const ClassInfo& info = TSample::StaticClassInfo();
   const std::vector<std::pair<StringView, TTypeKind>> expected = {
-      {u"Count", TTypeKind::tkInteger},    {u"Visible", TTypeKind::tkEnumeration}, {u"Caption", TTypeKind::tkUString},
+      {u"Count", TTypeKind::tkInteger},     {u"Visible", TTypeKind::tkEnumeration}, {u"Caption", TTypeKind::tkUString},
       {u"Shade", TTypeKind::tkEnumeration}, {u"Shades", TTypeKind::tkSet},          {u"Ratio", TTypeKind::tkFloat},
-      {u"Big", TTypeKind::tkInt64},        {u"Letter", TTypeKind::tkWChar},        {u"Byte", TTypeKind::tkChar},
-      {u"Legacy", TTypeKind::tkLString},   {u"Wide", TTypeKind::tkWString},        {u"OnChange", TTypeKind::tkMethod},
-      {u"Any", TTypeKind::tkVariant},      {u"Next", TTypeKind::tkClass},          {u"Command", TTypeKind::tkInteger},
+      {u"Big", TTypeKind::tkInt64},         {u"Letter", TTypeKind::tkWChar},        {u"Byte", TTypeKind::tkChar},
+      {u"Legacy", TTypeKind::tkLString},    {u"Wide", TTypeKind::tkWString},        {u"OnChange", TTypeKind::tkMethod},
+      {u"Any", TTypeKind::tkVariant},       {u"Next", TTypeKind::tkClass},          {u"Command", TTypeKind::tkInteger},
       {u"Stored", TTypeKind::tkEnumeration}};
   ASSERT_EQ(info.PropCount(), static_cast<int>(expected.size()));
   for (std::size_t i = 0; i < expected.size(); ++i) {
@@ -175,7 +177,8 @@ TEST(ObjectHandles, NumbersResolveOnlyToLiveObjectsAndAreNeverReused) {
   EXPECT_EQ(ObjectHandles::ObjectOf(handle), nullptr);
   TSample second;
   EXPECT_NE(ObjectHandles::HandleOf(&second), handle);
-  for (int64_t unknown : {int64_t{0}, int64_t{-5}, int64_t{1} << 40}) EXPECT_EQ(ObjectHandles::ObjectOf(unknown), nullptr);
+  for (int64_t unknown : {int64_t{0}, int64_t{-5}, int64_t{1} << 40})
+    EXPECT_EQ(ObjectHandles::ObjectOf(unknown), nullptr);
   EXPECT_EQ(ObjectHandles::HandleOf(nullptr), 0);
 }
 

@@ -123,14 +123,14 @@ TEST_F(FileStreamTest, ReadWriteModeKeepsContentAndAlternatesReadsAndWrites) {
   {
     TFileStream file(name, TFileMode::fmOpenReadWrite);
     std::array<std::byte, 2> two{};
-    file.ReadBuffer(two);                 // "ab"
-    file.WriteBuffer(BytesOf("XY"));      // over "cd"
-    file.ReadBuffer(two);                 // "ef"
+    file.ReadBuffer(two);             // "ab"
+    file.WriteBuffer(BytesOf("XY"));  // over "cd"
+    file.ReadBuffer(two);             // "ef"
     EXPECT_EQ(std::string(reinterpret_cast<const char*>(two.data()), 2), "ef");
     EXPECT_THROW(file.Seek(-9, TSeekOrigin::soEnd), EStreamError);
     EXPECT_EQ(file.Position(), 6);
     file.Seek(2, TSeekOrigin::soEnd);
-    file.WriteBuffer(BytesOf("!"));       // a gap of two zero bytes
+    file.WriteBuffer(BytesOf("!"));  // a gap of two zero bytes
     file.SetSize(9);
   }
   {
@@ -148,8 +148,9 @@ TEST_F(FileStreamTest, OpenFailureNamesTheFile) {
   EXPECT_EQ(ErrorText<EFOpenError>([&] { TFileStream file(missing, TFileMode::fmOpenRead); }),
             u"Cannot open file \"" + missing + u"\". No such file or directory");
   const String in_missing_folder = PathTo("no/such/folder/new.vsk");
-  EXPECT_EQ(ErrorText<EFOpenError>([&] { TFileStream file(in_missing_folder, TFileMode::fmCreate); })
-                .rfind(u"Cannot create file \"" + in_missing_folder + u"\".", 0),
+  EXPECT_EQ(ErrorText<EFOpenError>([&] {
+              TFileStream file(in_missing_folder, TFileMode::fmCreate);
+            }).rfind(u"Cannot create file \"" + in_missing_folder + u"\".", 0),
             0u);
 }
 

@@ -1,6 +1,6 @@
-#include <gtest/gtest.h>
-
 #include "kernel/platform/string.h"
+
+#include <gtest/gtest.h>
 
 namespace veska {
 namespace {
@@ -12,12 +12,12 @@ TEST(Utf8Conversion, RoundTripsEveryPlane) {
 }
 
 TEST(Utf8Conversion, MalformedInputBecomesReplacementCharacters) {
-  EXPECT_EQ(FromUtf8("a\x80z"), u"a\uFFFDz");                  // stray continuation byte
-  EXPECT_EQ(FromUtf8("a\xC4"), u"a\uFFFD");                    // truncated at the end
-  EXPECT_EQ(FromUtf8("\xE2\x82z"), u"\uFFFDz");                // short sequence, next byte kept
-  EXPECT_EQ(FromUtf8("\xC0\xAF"), u"\uFFFD");                  // overlong form of '/'
-  EXPECT_EQ(FromUtf8("\xED\xA0\x80"), u"\uFFFD");              // encoded surrogate
-  EXPECT_EQ(FromUtf8("\xF4\x90\x80\x80"), u"\uFFFD");          // beyond U+10FFFF
+  EXPECT_EQ(FromUtf8("a\x80z"), u"a\uFFFDz");                              // stray continuation byte
+  EXPECT_EQ(FromUtf8("a\xC4"), u"a\uFFFD");                                // truncated at the end
+  EXPECT_EQ(FromUtf8("\xE2\x82z"), u"\uFFFDz");                            // short sequence, next byte kept
+  EXPECT_EQ(FromUtf8("\xC0\xAF"), u"\uFFFD");                              // overlong form of '/'
+  EXPECT_EQ(FromUtf8("\xED\xA0\x80"), u"\uFFFD");                          // encoded surrogate
+  EXPECT_EQ(FromUtf8("\xF4\x90\x80\x80"), u"\uFFFD");                      // beyond U+10FFFF
   EXPECT_EQ(ToUtf8(String(1, char16_t(0xD800)) + u"x"), "\xEF\xBF\xBDx");  // lone surrogate
 }
 
@@ -54,9 +54,7 @@ TEST(CaseMapping, AsciiAndUnicodeComparisonsAgreeOnOrder) {
   EXPECT_EQ(CompareText(u"ŽLUŤ", u"žluť"), 0);
 }
 
-TEST(CaseMapping, AsciiUpperCaseFoldsOnlyLatinLetters) {
-  EXPECT_EQ(AsciiUpperCase(u"name_č{z}"), u"NAME_č{Z}");
-}
+TEST(CaseMapping, AsciiUpperCaseFoldsOnlyLatinLetters) { EXPECT_EQ(AsciiUpperCase(u"name_č{z}"), u"NAME_č{Z}"); }
 
 }  // namespace
 }  // namespace veska

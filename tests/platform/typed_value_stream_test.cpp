@@ -54,9 +54,11 @@ String ReadErrorOf(const Bytes& bytes, const ReaderAction& read) {
 }
 
 TEST(TypedValueWriter, ValuesTakeTheSmallestTagAndTheFormTheirTextNeeds) {
-  const std::pair<int64_t, Bytes> integers[] = {
-      {-128, {2, 0x80}}, {127, {2, 0x7F}}, {128, {3, 0x80, 0x00}}, {-32769, {4, 0xFF, 0x7F, 0xFF, 0xFF}},
-      {int64_t{1} << 31, {19, 0, 0, 0, 0x80, 0, 0, 0, 0}}};
+  const std::pair<int64_t, Bytes> integers[] = {{-128, {2, 0x80}},
+                                                {127, {2, 0x7F}},
+                                                {128, {3, 0x80, 0x00}},
+                                                {-32769, {4, 0xFF, 0x7F, 0xFF, 0xFF}},
+                                                {int64_t{1} << 31, {19, 0, 0, 0, 0x80, 0, 0, 0, 0}}};
   for (const auto& integer : integers) {
     EXPECT_EQ(Written([&](TWriter& w) { w.WriteInteger(integer.first); }), integer.second) << integer.first;
   }
@@ -93,7 +95,8 @@ const String kLongCzech(300, u'ř');  // a long string, and longer than the buff
 void WriteMixed(TWriter& w) {
   w.WriteSignature("TPF0");
   w.WriteListBegin();
-  for (int64_t value : {int64_t{0}, int64_t{-1}, int64_t{300}, int64_t{-70000}, int64_t{1} << 40}) w.WriteInteger(value);
+  for (int64_t value : {int64_t{0}, int64_t{-1}, int64_t{300}, int64_t{-70000}, int64_t{1} << 40})
+    w.WriteInteger(value);
   w.WriteInt64(std::numeric_limits<int64_t>::min());
   w.WriteFloat(-2.5);
   w.WriteFloat(0.1);
@@ -125,7 +128,8 @@ void ReadMixed(TReader& reader) {
   EXPECT_EQ(reader.ReadInt64(), std::numeric_limits<int64_t>::min());
   EXPECT_EQ(reader.ReadFloat(), -2.5);
   EXPECT_EQ(reader.ReadFloat(), 0.1);
-  for (const String& text : {kCzech, kLongCzech, kBeyond1250, kCzech, kBeyond1250}) EXPECT_EQ(reader.ReadString(), text);
+  for (const String& text : {kCzech, kLongCzech, kBeyond1250, kCzech, kBeyond1250})
+    EXPECT_EQ(reader.ReadString(), text);
   EXPECT_EQ(reader.ReadChar(), u'č');
   EXPECT_EQ(reader.ReadChar(), u'\0');
   EXPECT_TRUE(reader.ReadBoolean());
@@ -168,18 +172,18 @@ TEST(TypedValueStream, EveryWriterMethodRoundTripsAndTruncationAtEveryByteRaises
 
 TEST(TypedValueReader, AcceptsEveryNumericAndStringTag) {
   const Bytes bytes = {
-      2, 0xFE,                                            // int8 -2
-      3, 0x00, 0x80,                                      // int16 -32768
-      19, 5, 0, 0, 0, 0, 0, 0, 0,                         // int64 5 as an integer
-      15, 0x00, 0x00, 0xC0, 0x3F,                         // single 1.5
-      21, 0, 0, 0, 0, 0, 0, 0xF0, 0xBF,                   // double -1.0
-      17, 0, 0, 0, 0, 0, 0x40, 0xE5, 0x40,                // date 43520.0
-      16, 0x39, 0x30, 0, 0, 0, 0, 0, 0,                   // currency 1.2345
-      3, 0xE8, 0x03,                                      // int16 1000 as a float
-      7, 2, 'i', 'd',                                     // identifier as a string
-      12, 2, 0, 0, 0, 0xE8, 0x9A,                         // long 8-bit string "čš"
-      20, 3, 0, 0, 0, 'a', 0xC5, 0xBE,                    // UTF-8 "až"
-      18, 0, 0, 0, 0,                                     // empty UTF-16 string
+      2,  0xFE,                                            // int8 -2
+      3,  0x00, 0x80,                                      // int16 -32768
+      19, 5,    0,    0,    0,    0,    0,    0,    0,     // int64 5 as an integer
+      15, 0x00, 0x00, 0xC0, 0x3F,                          // single 1.5
+      21, 0,    0,    0,    0,    0,    0,    0xF0, 0xBF,  // double -1.0
+      17, 0,    0,    0,    0,    0,    0x40, 0xE5, 0x40,  // date 43520.0
+      16, 0x39, 0x30, 0,    0,    0,    0,    0,    0,     // currency 1.2345
+      3,  0xE8, 0x03,                                      // int16 1000 as a float
+      7,  2,    'i',  'd',                                 // identifier as a string
+      12, 2,    0,    0,    0,    0xE8, 0x9A,              // long 8-bit string "čš"
+      20, 3,    0,    0,    0,    'a',  0xC5, 0xBE,        // UTF-8 "až"
+      18, 0,    0,    0,    0,                             // empty UTF-16 string
   };
   TMemoryStream stream(Raw(bytes));
   TReader reader(stream);
@@ -233,9 +237,17 @@ TEST(ExtendedFloat, DecodesToTheNearestEvenDoubleOrItsDenormalsAndInfinity) {
 TEST(ExtendedFloat, EveryDoubleRoundTripsExactly) {
   EXPECT_EQ(DoubleToExtended(1.0), Extended({0, 0, 0, 0, 0, 0, 0, 0x80, 0xFF, 0x3F}));
   using Limits = std::numeric_limits<double>;
-  std::vector<double> values = {0.0, -0.0, Limits::max(), Limits::lowest(), Limits::min(), Limits::denorm_min(),
-                                -Limits::denorm_min(), Limits::infinity(), -Limits::infinity(),
-                                std::nextafter(Limits::min(), 0.0), -Limits::quiet_NaN()};
+  std::vector<double> values = {0.0,
+                                -0.0,
+                                Limits::max(),
+                                Limits::lowest(),
+                                Limits::min(),
+                                Limits::denorm_min(),
+                                -Limits::denorm_min(),
+                                Limits::infinity(),
+                                -Limits::infinity(),
+                                std::nextafter(Limits::min(), 0.0),
+                                -Limits::quiet_NaN()};
   std::mt19937_64 random(2024);
   for (int i = 0; i < 20000; ++i) {
     const double value = std::bit_cast<double>(random());
@@ -249,7 +261,11 @@ TEST(ExtendedFloat, EveryDoubleRoundTripsExactly) {
 }
 
 TEST(TypedValueReader, ErrorsNameTheTagThePositionAndTheShortfall) {
-  EXPECT_EQ(ReadErrorOf({2, 1, 7, 1, 'x'}, [](TReader& r) { r.ReadInteger(); r.ReadInteger(); }),
+  EXPECT_EQ(ReadErrorOf({2, 1, 7, 1, 'x'},
+                        [](TReader& r) {
+                          r.ReadInteger();
+                          r.ReadInteger();
+                        }),
             u"Unexpected value tag 7 where an integer was expected at position 2");
   EXPECT_EQ(ReadErrorOf({4, 1, 2}, [](TReader& r) { r.ReadInteger(); }),
             u"Stream read error: 4 bytes wanted at position 1, 2 left");
@@ -283,15 +299,15 @@ TEST(TypedValueReader, ErrorsNameTheTagThePositionAndTheShortfall) {
 
 TEST(TypedValueReader, SkipsSetsCollectionsAndBinaries) {
   const Bytes bytes = {
-      11, 3, 'a', 'k', 'L', 2, 'a', 'R', 0,                    // set [akL, aR]
+      11, 3,  'a', 'k', 'L', 2,   'a', 'R', 0,                 // set [akL, aR]
       14,                                                      // collection
-      1, 4, 'N', 'a', 'm', 'e', 6, 1, 'x', 0,                  //   item without order
-      2, 5, 1, 0,                                              //   item with order 5, no properties
+      1,  4,  'N', 'a', 'm', 'e', 6,   1,   'x',  0,           //   item without order
+      2,  5,  1,   0,                                          //   item with order 5, no properties
       0,                                                       // end of collection
-      10, 3, 0, 0, 0, 1, 2, 3,                                 // binary
-      5, 0, 0, 0, 0, 0, 0, 0, 0x80, 0xFF, 0x3F,                // extended
-      13, 16, 0, 0, 0, 0, 0, 0, 0, 0,                          // nil, currency
-      2, 42,
+      10, 3,  0,   0,   0,   1,   2,   3,                      // binary
+      5,  0,  0,   0,   0,   0,   0,   0,   0x80, 0xFF, 0x3F,  // extended
+      13, 16, 0,   0,   0,   0,   0,   0,   0,    0,           // nil, currency
+      2,  42,
   };
   TMemoryStream stream(Raw(bytes));
   TReader reader(stream, 3);
@@ -316,13 +332,22 @@ TEST(TypedValueReader, NestingDeeperThanTheLimitIsRefused) {
 TEST(TypedValueReader, RandomBytesOnlyEverRaiseReadError) {
   std::mt19937 random(12345);
   const ReaderAction operations[] = {
-      [](TReader& r) { r.ReadInteger(); },  [](TReader& r) { r.ReadInt64(); },
-      [](TReader& r) { r.ReadFloat(); },    [](TReader& r) { r.ReadString(); },
-      [](TReader& r) { r.ReadChar(); },     [](TReader& r) { r.ReadBoolean(); },
-      [](TReader& r) { r.ReadIdent(); },    [](TReader& r) { r.ReadListBegin(); },
-      [](TReader& r) { r.ReadListEnd(); },  [](TReader& r) { r.SkipValue(); },
-      [](TReader& r) { r.SkipValue(); },    [](TReader& r) { r.ReadSignature(); },
-      [](TReader& r) { r.EndOfList(); r.ReadValue(); },
+      [](TReader& r) { r.ReadInteger(); },
+      [](TReader& r) { r.ReadInt64(); },
+      [](TReader& r) { r.ReadFloat(); },
+      [](TReader& r) { r.ReadString(); },
+      [](TReader& r) { r.ReadChar(); },
+      [](TReader& r) { r.ReadBoolean(); },
+      [](TReader& r) { r.ReadIdent(); },
+      [](TReader& r) { r.ReadListBegin(); },
+      [](TReader& r) { r.ReadListEnd(); },
+      [](TReader& r) { r.SkipValue(); },
+      [](TReader& r) { r.SkipValue(); },
+      [](TReader& r) { r.ReadSignature(); },
+      [](TReader& r) {
+        r.EndOfList();
+        r.ReadValue();
+      },
   };
   int read_errors = 0;
   for (int iteration = 0; iteration < 4000; ++iteration) {

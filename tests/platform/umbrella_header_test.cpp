@@ -1,7 +1,7 @@
 // The umbrella header must compile on its own and give the whole interface.
-#include "kernel/veska.h"
-
 #include <gtest/gtest.h>
+
+#include "kernel/veska.h"
 
 namespace veska {
 namespace {

@@ -29,35 +29,41 @@ TEST(CodePageTests, EachTestAcceptsOnlyItsOwnColumn) {
   EXPECT_FALSE(cp_IsIBM(kWindowsSentence));
   EXPECT_TRUE(cp_Is852(WinTo852(kWindowsSentence)));
   EXPECT_TRUE(cp_IsKam(WinToKAM(kWindowsSentence)));
-  EXPECT_FALSE(cp_Is852(kWindowsSentence));      // ř (F8) is no CP852 letter
+  EXPECT_FALSE(cp_Is852(kWindowsSentence));  // ř (F8) is no CP852 letter
   EXPECT_FALSE(cp_IsKam(kWindowsSentence));
   EXPECT_FALSE(cp_IsWin(WinTo852(kWindowsSentence)));
-  EXPECT_FALSE(cp_IsWin("\xFF"));                // a byte outside every column
+  EXPECT_FALSE(cp_IsWin("\xFF"));  // a byte outside every column
 }
 
 // The decision is taken at the first byte after which one candidate alone is open, even when
 // later bytes fit no column or only another one.
 TEST(CodePageTests, GetCodePageDecidesAtTheFirstSingleCandidate) {
-  const std::pair<std::string, int> cases[] = {
-      {"", 2},           {"no diacritics\x80", 2},
-      {kWindowsSentence, 1250},   {WinTo852(kWindowsSentence), 852}, {WinToKAM(kWindowsSentence), 1},
-      {"\xC8", 1250},    // Č in Windows-1250, in no other column
-      {"\xA0\xA1", 3},   // á í of both CP852 and Kamenický ...
-      {"\xA0\xB5", 852}, // ... until Á of CP852 decides
-      {"\xFF", 3},       {"\xFF\xC8", 3},  // no candidate left, and none comes back
-      {"\xC8\xFF", 1250}, {"x\xC8 \x8F\x8F", 1250}, {"\x8F\xC8\xFF", 1}, {"\xB5\xC8", 852}};
+  const std::pair<std::string, int> cases[] = {{"", 2},
+                                               {"no diacritics\x80", 2},
+                                               {kWindowsSentence, 1250},
+                                               {WinTo852(kWindowsSentence), 852},
+                                               {WinToKAM(kWindowsSentence), 1},
+                                               {"\xC8", 1250},     // Č in Windows-1250, in no other column
+                                               {"\xA0\xA1", 3},    // á í of both CP852 and Kamenický ...
+                                               {"\xA0\xB5", 852},  // ... until Á of CP852 decides
+                                               {"\xFF", 3},
+                                               {"\xFF\xC8", 3},  // no candidate left, and none comes back
+                                               {"\xC8\xFF", 1250},
+                                               {"x\xC8 \x8F\x8F", 1250},
+                                               {"\x8F\xC8\xFF", 1},
+                                               {"\xB5\xC8", 852}};
   for (const auto& [text, expected] : cases) EXPECT_EQ(cp_GetCodePage(text), expected) << testing::PrintToString(text);
 }
 
 TEST(CodePageConversion, DuplicateBytesAreFoundAtTheirFirstRow) {
-  EXPECT_EQ(_8859_2ToWin("\xBE"), "\x9E");       // row 37 ž, not row 38 ľ
-  EXPECT_EQ(_8859_2ToWin("\xBC"), "\xBC");       // Ľ keeps its Windows-1250 byte
+  EXPECT_EQ(_8859_2ToWin("\xBE"), "\x9E");  // row 37 ž, not row 38 ľ
+  EXPECT_EQ(_8859_2ToWin("\xBC"), "\xBC");  // Ľ keeps its Windows-1250 byte
   EXPECT_EQ(WinTo_8859_2("\xBC\xBE"), "\xBC\xBE");
-  EXPECT_EQ(cp852ToWin("\xE2"), "\xD6");         // row 22 Ö, not row 39 Ô
-  EXPECT_EQ(cp852ToWin("\x99"), "\x99");         // the published CP852 Ö is unknown
-  EXPECT_EQ(WinTo852("\xD6\xD4"), "\xE2\xE2");   // Ö and Ô both become E2 ...
+  EXPECT_EQ(cp852ToWin("\xE2"), "\xD6");            // row 22 Ö, not row 39 Ô
+  EXPECT_EQ(cp852ToWin("\x99"), "\x99");            // the published CP852 Ö is unknown
+  EXPECT_EQ(WinTo852("\xD6\xD4"), "\xE2\xE2");      // Ö and Ô both become E2 ...
   EXPECT_EQ(cp852ToWin(WinTo852("\xD4")), "\xD6");  // ... so Ô comes back as Ö
-  EXPECT_EQ(WinToKAM("\xC5"), "L");              // Ĺ
+  EXPECT_EQ(WinToKAM("\xC5"), "L");                 // Ĺ
 }
 
 TEST(CodePageConversion, LettersAreConvertedAndOtherBytesKept) {
@@ -107,8 +113,8 @@ std::optional<std::string> PublishedBytes(const char* code_page, char16_t letter
 TEST(CodePageTable, ColumnsAgreeWithGlibcIconvExceptTheDeliberateCells) {
   struct Deviation {
     CzechColumn column;
-    std::size_t row;                  // 1-based, as the table is documented
-    unsigned char published_byte;     // what the published code page has there
+    std::size_t row;               // 1-based, as the table is documented
+    unsigned char published_byte;  // what the published code page has there
   };
   const Deviation deviations[] = {
       {CzechColumn::Iso8859_2, 20, 0xA5},  // Ľ keeps the Windows-1250 byte BC
@@ -132,8 +138,8 @@ TEST(CodePageTable, ColumnsAgreeWithGlibcIconvExceptTheDeliberateCells) {
                                          << "; the gconv modules of the C library are missing";
       ASSERT_EQ(published->size(), 1u) << iconv_name << " cannot encode the letter of row " << row;
       const auto published_byte = static_cast<unsigned char>((*published)[0]);
-      const auto deviation = std::ranges::find_if(
-          deviations, [&](const Deviation& d) { return d.column == column && d.row == row; });
+      const auto deviation =
+          std::ranges::find_if(deviations, [&](const Deviation& d) { return d.column == column && d.row == row; });
       if (deviation == std::end(deviations)) {
         EXPECT_EQ(letter.In(column), published_byte) << iconv_name << ", row " << row;
       } else {

@@ -185,8 +185,9 @@ TEST(LineReader, RandomNumbersReadBackExactly) {
 // Any line and any sequence of calls: the position stays within the line, a failed read does
 // not move, a successful read moves forward, and the flag never clears by itself.
 TEST(LineReader, RandomInputNeverLeavesTheLine) {
-  const char16_t alphabet[] = {u' ', u'\t', u',', u';', u'\'', u'.', u'-', u'+', u'e', u'E', u'0', u'1',
-                               u'9', u'a', u'n', u'o', u'Ž', u'=', u'\0', char16_t(0xD800), u'\r', u'/'};
+  const char16_t alphabet[] = {u' ',  u'\t', u',', u';', u'\'', u'.', u'-', u'+', u'e',  u'E',
+                               u'0',  u'1',  u'9', u'a', u'n',  u'o', u'Ž', u'=', u'\0', char16_t(0xD800),
+                               u'\r', u'/'};
   std::mt19937 random(7);
   for (int round = 0; round < 2500; ++round) {
     String line(random() % 20, u' ');
@@ -197,18 +198,46 @@ TEST(LineReader, RandomInputNeverLeavesTheLine) {
       const bool had_error = reader.DosloKChybe();
       bool is_read = true;
       switch (random() % 12) {
-        case 0: reader.DejChar(); break;
-        case 1: reader.DejString(); break;
-        case 2: reader.DejStringMeziApostrofy(); break;
-        case 3: reader.DejInteger(); break;
-        case 4: reader.DejLongInt(); break;
-        case 5: reader.DejReal(); break;
-        case 6: reader.DejExtended(); break;
-        case 7: reader.DejBoolean(); break;
-        case 8: is_read = false; reader.PreskocMezery(); break;
-        case 9: is_read = false; reader.PreskocMnozinu(u",;'e"); break;
-        case 10: is_read = false; reader.JdiNa(random() % (line.size() + 3)); break;
-        default: is_read = false; reader.KonecRadku(); break;
+        case 0:
+          reader.DejChar();
+          break;
+        case 1:
+          reader.DejString();
+          break;
+        case 2:
+          reader.DejStringMeziApostrofy();
+          break;
+        case 3:
+          reader.DejInteger();
+          break;
+        case 4:
+          reader.DejLongInt();
+          break;
+        case 5:
+          reader.DejReal();
+          break;
+        case 6:
+          reader.DejExtended();
+          break;
+        case 7:
+          reader.DejBoolean();
+          break;
+        case 8:
+          is_read = false;
+          reader.PreskocMezery();
+          break;
+        case 9:
+          is_read = false;
+          reader.PreskocMnozinu(u",;'e");
+          break;
+        case 10:
+          is_read = false;
+          reader.JdiNa(random() % (line.size() + 3));
+          break;
+        default:
+          is_read = false;
+          reader.KonecRadku();
+          break;
       }
       ASSERT_GE(reader.Pozice(), 1u);
       ASSERT_LE(reader.Pozice(), line.size() + 1);
@@ -283,8 +312,9 @@ class ParameterFile : public testing::Test {
     std::ofstream(path_, std::ios::binary) << bytes;
     return path_;
   }
-  std::filesystem::path path_ = std::filesystem::path(testing::TempDir()) /
-                                (std::string("veska_parameters_") + testing::UnitTest::GetInstance()->current_test_info()->name());
+  std::filesystem::path path_ =
+      std::filesystem::path(testing::TempDir()) /
+      (std::string("veska_parameters_") + testing::UnitTest::GetInstance()->current_test_info()->name());
 };
 
 TEST_F(ParameterFile, ReadsUtf8AndWindows1250FilesAndMissingOnesAsEmpty) {
@@ -307,8 +337,8 @@ TEST_F(ParameterFile, ReadsUtf8AndWindows1250FilesAndMissingOnesAsEmpty) {
 }
 
 TEST(ParameterReader, RandomDefinitionsNeverFail) {
-  const char16_t alphabet[] = {u'a', u'B', u'=', u' ', u'\r', u'\n', u';', u'/', u'1', u'-', u',', u'.',
-                               u'\'', u'\0', u'e', u'ň'};
+  const char16_t alphabet[] = {u'a', u'B', u'=', u' ', u'\r', u'\n', u';', u'/',
+                               u'1', u'-', u',', u'.', u'\'', u'\0', u'e', u'ň'};
   std::mt19937 random(11);
   for (int round = 0; round < 2000; ++round) {
     String text(random() % 60, u' ');

@@ -74,8 +74,8 @@ TEST(DoubleToStr, MatchesCFixedFormatWithADotWhateverTheSeparatorSetting) {
     int32_t width;
     int32_t decimals;
   };
-  const Case cases[] = {{3.14159, 8, 2}, {-2.5, 0, 0}, {2.5, 1, 0},  {0.125, 0, 2},  {1e20, 3, 1},
-                        {-0.0, 5, 1},    {1.5, -6, 1}, {7, 0, -1},   {1e-7, 12, 9},  {123.456, 2, 3}};
+  const Case cases[] = {{3.14159, 8, 2}, {-2.5, 0, 0}, {2.5, 1, 0}, {0.125, 0, 2}, {1e20, 3, 1},
+                        {-0.0, 5, 1},    {1.5, -6, 1}, {7, 0, -1},  {1e-7, 12, 9}, {123.456, 2, 3}};
   for (const Case& c : cases) {
     char expected[128];
     std::snprintf(expected, sizeof expected, "%*.*f", c.width, c.decimals, c.value);  // "C" locale

@@ -13,10 +13,15 @@ namespace {
 
 TEST(NameWithNumber, SplitsTrailingDigitsTakingAtMost255AndSaturating) {
   const std::tuple<String, String, int32_t> cases[] = {
-      {u"Element12", u"Element", 12}, {u"Element", u"Element", 0}, {u"a1b", u"a1b", 0},
-      {u"Item007", u"Item", 7},       {u"123", u"", 0},            {u"", u"", 0},
+      {u"Element12", u"Element", 12},
+      {u"Element", u"Element", 0},
+      {u"a1b", u"a1b", 0},
+      {u"Item007", u"Item", 7},
+      {u"123", u"", 0},
+      {u"", u"", 0},
       {u"x\u0661", u"x\u0661", 0},  // only the digits 0 to 9 count
-      {u"x2147483647", u"x", 2147483647}, {u"x2147483648", u"x", 2147483647},
+      {u"x2147483647", u"x", 2147483647},
+      {u"x2147483648", u"x", 2147483647},
       {u"x" + String(254, u'0') + u"5", u"x", 5},
       {u"x" + String(255, u'0') + u"5", u"x", 0}};  // the 256th digit is not read
   for (const auto& [text, name, number] : cases) {
@@ -46,7 +51,8 @@ TEST(GetValidFileName, ReplacesCharactersNoHostAccepts) {
 
 TEST(Paths, RelativeOrAbsolute) {
   for (StringView relative : {u"", u"a/b", u"..\\a", u"1:x"}) EXPECT_TRUE(IsRelativePath(relative)) << ToUtf8(relative);
-  for (StringView absolute : {u"/a", u"\\a", u"C:\\Models", u"c:"}) EXPECT_FALSE(IsRelativePath(absolute)) << ToUtf8(absolute);
+  for (StringView absolute : {u"/a", u"\\a", u"C:\\Models", u"c:"})
+    EXPECT_FALSE(IsRelativePath(absolute)) << ToUtf8(absolute);
 }
 
 TEST(Paths, AbsolutePathResolvesDotsAgainstTheBase) {

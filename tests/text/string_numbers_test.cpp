@@ -41,12 +41,19 @@ String ConvertErrorText(StringView text, Convert convert) {
 }
 
 TEST(ExtendedToStr, WritesTheShortestGeneralFormThatReadsBack) {
-  const std::pair<double, const char16_t*> cases[] = {
-      {0, u"0"},          {-0.0, u"0"},           {-2.25, u"-2.25"},       {0.1, u"0.1"},
-      {1e15, u"1E15"},    {123456789012345.0, u"123456789012345"},         {-1.25e100, u"-1.25E100"},
-      {0.00001, u"0.00001"}, {1.5e-7, u"1.5E-7"}, {0.1 + 0.2, u"0.30000000000000004"},
-      {std::numeric_limits<double>::quiet_NaN(), u"NAN"}, {-std::numeric_limits<double>::infinity(), u"-INF"},
-      {std::numeric_limits<double>::denorm_min(), u"5E-324"}};
+  const std::pair<double, const char16_t*> cases[] = {{0, u"0"},
+                                                      {-0.0, u"0"},
+                                                      {-2.25, u"-2.25"},
+                                                      {0.1, u"0.1"},
+                                                      {1e15, u"1E15"},
+                                                      {123456789012345.0, u"123456789012345"},
+                                                      {-1.25e100, u"-1.25E100"},
+                                                      {0.00001, u"0.00001"},
+                                                      {1.5e-7, u"1.5E-7"},
+                                                      {0.1 + 0.2, u"0.30000000000000004"},
+                                                      {std::numeric_limits<double>::quiet_NaN(), u"NAN"},
+                                                      {-std::numeric_limits<double>::infinity(), u"-INF"},
+                                                      {std::numeric_limits<double>::denorm_min(), u"5E-324"}};
   for (const auto& [value, expected] : cases) EXPECT_EQ(ExtendedToStr(value), expected);
 
   const SeparatorSettings comma(u',', true);
@@ -68,17 +75,17 @@ TEST(StrToExtended, ReadsBackEveryDoubleExactly) {
 
 TEST(StrToExtended, AcceptsBothSeparatorsBlanksSignsAndExponents) {
   const std::pair<const char16_t*, double> cases[] = {
-      {u" 1.5 ", 1.5}, {u"1,5", 1.5}, {u"\t-1e3\r\n", -1000}, {u"+2", 2},     {u".5", 0.5},
-      {u"5.", 5},      {u"1E+2", 100}, {u"2,5e-1", 0.25},     {u"0012", 12},  {u"1e-400", 0},
-      {u"0.000001e-330", 0},           {u"0e99999999999999999999", 0}};
+      {u" 1.5 ", 1.5}, {u"1,5", 1.5},  {u"\t-1e3\r\n", -1000}, {u"+2", 2},
+      {u".5", 0.5},    {u"5.", 5},     {u"1E+2", 100},         {u"2,5e-1", 0.25},
+      {u"0012", 12},   {u"1e-400", 0}, {u"0.000001e-330", 0},  {u"0e99999999999999999999", 0}};
   for (const auto& [text, expected] : cases) EXPECT_EQ(StrToExtended(text), expected) << ToUtf8(text);
 }
 
 TEST(StrToExtended, RaisesConvertErrorOnBadText) {
   EXPECT_EQ(ConvertErrorText(u"abc", StrToExtended), u"'abc' is not a valid floating point value");
   EXPECT_EQ(ConvertErrorText(u" 1e ", StrToExtended), u"' 1e ' is not a valid floating point value");
-  for (const char16_t* bad : {u"", u" ", u".", u"-", u"e5", u"1e", u"1e+", u"1.2.3", u"1,5.2", u"1 000",
-                              u"0x10", u"1.5x", u"--1", u"1e400", u"-1e99999999999", u"\u0661", u"nan1"}) {
+  for (const char16_t* bad : {u"", u" ", u".", u"-", u"e5", u"1e", u"1e+", u"1.2.3", u"1,5.2", u"1 000", u"0x10",
+                              u"1.5x", u"--1", u"1e400", u"-1e99999999999", u"\u0661", u"nan1"}) {
     EXPECT_THROW(StrToExtended(bad), EConvertError) << ToUtf8(bad);
     EXPECT_FALSE(StringIsFloat(bad)) << ToUtf8(bad);
   }
@@ -131,8 +138,8 @@ TEST(RomanNumerals, WriteAndReadStandardFormsAndNothingElse) {
   for (int32_t n = 1; n <= 3999; ++n) ASSERT_EQ(RomeToInteger(IntegerToRome(n)), n) << n;
   EXPECT_EQ(RomeToInteger(u" mcmxciv "), 1994);
   EXPECT_EQ(RomeToInteger(u"xIv"), 14);
-  for (const char16_t* bad : {u"", u"IIII", u"IC", u"IM", u"VV", u"MMMM", u"XIVX", u"ABC", u"X I",
-                              u"MMMDCCCLXXXVIIII"}) {
+  for (const char16_t* bad :
+       {u"", u"IIII", u"IC", u"IM", u"VV", u"MMMM", u"XIVX", u"ABC", u"X I", u"MMMDCCCLXXXVIIII"}) {
     EXPECT_EQ(RomeToInteger(bad), 0) << ToUtf8(bad);
   }
   EXPECT_EQ(RomeToInteger(String(100000, u'M')), 0);

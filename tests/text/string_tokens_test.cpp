@@ -55,11 +55,14 @@ TEST(ReadToDelimiter, TokenDelimiterAndNextPositionAtEveryPlace) {
     int32_t pos;
   };
   const Case cases[] = {
-      {u"  ab  ,c", 1, true, u"ab", u',', 8},   {u"  ab  ,c", 1, false, u"  ab  ", u',', 8},
+      {u"  ab  ,c", 1, true, u"ab", u',', 8},
+      {u"  ab  ,c", 1, false, u"  ab  ", u',', 8},
       {u"  ab  ,c", 8, true, u"c", u'\0', 10},  // at the end: code 0 and Length + 2
-      {u"a,", 3, false, u"", u'\0', 4},         {u"abc", 50, false, u"", u'\0', 5},
-      {u"ab,c", 0, false, u"ab", u',', 4},      {u",x", 1, false, u"", u',', 2},
-      {u"", 7, false, u"", u'\0', 7},           // an empty text returns at once
+      {u"a,", 3, false, u"", u'\0', 4},
+      {u"abc", 50, false, u"", u'\0', 5},
+      {u"ab,c", 0, false, u"ab", u',', 4},
+      {u",x", 1, false, u"", u',', 2},
+      {u"", 7, false, u"", u'\0', 7},                   // an empty text returns at once
       {u"x\u012Cy,z", 1, false, u"x\u012Cy", u',', 5},  // U+012C has the low byte of ','
   };
   for (const Case& c : cases) {
@@ -117,8 +120,8 @@ TEST(ReadToDelimiter, RandomInputKeepsPositionsAndTokensInBounds) {
     const int32_t start = int32_t(random() % uint32_t(length + 6)) - 2;
     SCOPED_TRACE(ToUtf8(s) + " start " + std::to_string(start));
 
-    for (const Token& t : {Read(s, delims, start), Read(s, delims, start, ReadToDelimiterWithoutWS),
-                           ReadBlock(s, delims, start)}) {
+    for (const Token& t :
+         {Read(s, delims, start), Read(s, delims, start, ReadToDelimiterWithoutWS), ReadBlock(s, delims, start)}) {
       if (s.empty()) {
         EXPECT_EQ(t.Pos, start);
         EXPECT_EQ(t.Delim, u'\0');

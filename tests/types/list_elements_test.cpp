@@ -1,3 +1,5 @@
+#include "kernel/types/list_elements.h"
+
 #include <gtest/gtest.h>
 
 #include <filesystem>
@@ -10,7 +12,6 @@
 
 #include "kernel/classes/property_access.h"
 #include "kernel/platform/exceptions.h"
-#include "kernel/types/list_elements.h"
 
 namespace veska {
 namespace {
@@ -24,9 +25,15 @@ auto Collect(List& list, Get get) {
   for (int i = 0; i < list.ElementsCount(); ++i) items.push_back(get(list, i));
   return items;
 }
-Texts Names(TStringListElement& list) { return Collect(list, [](auto& l, int i) { return l.GetNameAtIndex(i); }); }
-Texts Values(TStringListElement& list) { return Collect(list, [](auto& l, int i) { return l.GetString(i); }); }
-Integers Numbers(TIntegerListElement& list) { return Collect(list, [](auto& l, int i) { return l.GetInteger(i); }); }
+Texts Names(TStringListElement& list) {
+  return Collect(list, [](auto& l, int i) { return l.GetNameAtIndex(i); });
+}
+Texts Values(TStringListElement& list) {
+  return Collect(list, [](auto& l, int i) { return l.GetString(i); });
+}
+Integers Numbers(TIntegerListElement& list) {
+  return Collect(list, [](auto& l, int i) { return l.GetInteger(i); });
+}
 
 TEST(StringListElement, SeparatorBecomesCommaOnFirstJoinOrSplit) {
   TStringListElement list;

@@ -40,9 +40,9 @@ TEST(TypeElement, BaseHasNoValueAndIgnoresWrites) {
 TEST(TypeElement, PublishesThirteenViewsNoneOfThemStored) {
   const ClassInfo& base = TOwnerElement::StaticClassInfo();
   const ClassInfo& info = TTypeElement::StaticClassInfo();
-  const std::vector<String> expected = {u"Typ",      u"TypeAsString", u"AsByte",    u"AsInteger", u"AsNativeInt",
-                                        u"AsChar",   u"AsString",     u"AsISOString", u"AsFloat", u"AsBoolean",
-                                        u"AsDateTime", u"Text",       u"UpperName"};
+  const std::vector<String> expected = {u"Typ",        u"TypeAsString", u"AsByte",      u"AsInteger", u"AsNativeInt",
+                                        u"AsChar",     u"AsString",     u"AsISOString", u"AsFloat",   u"AsBoolean",
+                                        u"AsDateTime", u"Text",         u"UpperName"};
   ASSERT_EQ(info.PropCount(), base.PropCount() + static_cast<int>(expected.size()));
   TTypeElement element;
   for (std::size_t i = 0; i < expected.size(); ++i) {

@@ -1,3 +1,5 @@
+#include "kernel/types/types_unit.h"
+
 #include <gtest/gtest.h>
 
 #include <memory>
@@ -5,7 +7,6 @@
 #include "kernel/classes/registry.h"
 #include "kernel/types/list_elements.h"
 #include "kernel/types/type_elements.h"
-#include "kernel/types/types_unit.h"
 
 namespace veska {
 namespace {
@@ -37,10 +38,10 @@ TEST(TypesUnit, RegistersEveryClassOfTheUnit) {
   TVeskaClasses registry;
   RegisterTypesUnit(registry);
   EXPECT_EQ(registry.ElementsCount(), 14);
-  for (StringView name : {u"TTypeTestElement", u"TTypeElement", u"TBooleanElement", u"TCharElement",
-                          u"TByteElement", u"TFloatElement", u"TDateTimeElement", u"TIntegerListElement",
-                          u"TStringElement", u"TIntegerElement", u"TPointerElement", u"TStringListElement",
-                          u"TPathElement", u"TPropertyList"}) {
+  for (StringView name :
+       {u"TTypeTestElement", u"TTypeElement", u"TBooleanElement", u"TCharElement", u"TByteElement", u"TFloatElement",
+        u"TDateTimeElement", u"TIntegerListElement", u"TStringElement", u"TIntegerElement", u"TPointerElement",
+        u"TStringListElement", u"TPathElement", u"TPropertyList"}) {
     const ClassInfo* info = registry.GetClass(String(name));
     ASSERT_NE(info, nullptr) << ToUtf8(name);
     EXPECT_EQ(info->UnitName(), u"E_type");

@@ -13,7 +13,9 @@ namespace {
 
 constexpr double kNaN = std::numeric_limits<double>::quiet_NaN();
 
-std::unique_ptr<TTypeElement> Copy(const TTypeElement& element) { return std::unique_ptr<TTypeElement>(element.SelfCopy()); }
+std::unique_ptr<TTypeElement> Copy(const TTypeElement& element) {
+  return std::unique_ptr<TTypeElement>(element.SelfCopy());
+}
 
 TEST(BooleanElement, TextIsLowerCaseAndOnlyTrueOrFalseInAnyCaseIsTaken) {
   TBooleanElement element;
@@ -109,9 +111,9 @@ TEST(FloatElement, TextIsScientificAndIntegerTruncatesToZeroBeyond32Bits) {
 
 TEST(StringElement, BooleanReadsNumbersTrueAndAno) {
   TStringElement element;
-  const std::pair<const char16_t*, bool> cases[] = {
-      {u"0.0", false}, {u"2", true},    {u"-0.5", true}, {u"ano", true}, {u"Ano", true},   {u"TRUE", true},
-      {u"true", true}, {u"x", false},   {u"", false},    {u"yes", false}, {u"FALSE", false}};
+  const std::pair<const char16_t*, bool> cases[] = {{u"0.0", false}, {u"2", true},    {u"-0.5", true},  {u"ano", true},
+                                                    {u"Ano", true},  {u"TRUE", true}, {u"true", true},  {u"x", false},
+                                                    {u"", false},    {u"yes", false}, {u"FALSE", false}};
   for (const auto& [text, expected] : cases) {
     element.SetAsString(text);
     EXPECT_EQ(element.GetAsBoolean(), expected) << ToUtf8(text);
@@ -300,9 +302,9 @@ TEST(DateTimeElement, IntegerTruncatesAndRaisesBeyond32Bits) {
 
 TEST(ValueElements, CopiesCarryValueAndNameAndVirtualConstructorsLeaveItEmpty) {
   const std::shared_ptr<TTypeElement> elements[] = {
-      std::make_shared<TBooleanElement>(u"b", true),  std::make_shared<TCharElement>(u"c", u'x'),
-      std::make_shared<TByteElement>(u"y", 200),       std::make_shared<TFloatElement>(u"f", 2.5),
-      std::make_shared<TStringElement>(u"s", u"text"), std::make_shared<TIntegerElement>(u"i", -9),
+      std::make_shared<TBooleanElement>(u"b", true),     std::make_shared<TCharElement>(u"c", u'x'),
+      std::make_shared<TByteElement>(u"y", 200),         std::make_shared<TFloatElement>(u"f", 2.5),
+      std::make_shared<TStringElement>(u"s", u"text"),   std::make_shared<TIntegerElement>(u"i", -9),
       std::make_shared<TDateTimeElement>(u"d", 44000.25)};
   for (const auto& element : elements) {
     const ClassInfo& info = element->ClassType();
