@@ -6,7 +6,7 @@
 #include <memory>
 #include <vector>
 
-#include "kernel/classes/property_access.h"
+#include "kernel/elements/property_access.h"
 #include "kernel/classes/registry.h"
 #include "kernel/elements/entity.h"
 #include "kernel/elements/named.h"

@@ -28,9 +28,9 @@
 #include "kernel/elements/named.h"
 
 // Class registry and property access by name.
-#include "kernel/classes/property_access.h"
 #include "kernel/classes/registry.h"
 #include "kernel/classes/startup.h"
+#include "kernel/elements/property_access.h"
 
 // Typed value and list elements.
 #include "kernel/types/list_elements.h"

@@ -3,7 +3,7 @@
 #include <chrono>
 #include <random>
 
-#include "kernel/classes/property_access.h"
+#include "kernel/elements/property_access.h"
 #include "kernel/elements/entity.h"
 #include "kernel/elements/message.h"
 #include "kernel/platform/checked_arithmetic.h"

@@ -11,7 +11,7 @@
 #include <memory>
 #include <utility>
 
-#include "kernel/classes/property_access.h"
+#include "kernel/elements/property_access.h"
 #include "kernel/classes/registry.h"
 #include "kernel/elements/element.h"
 #include "kernel/elements/entity.h"

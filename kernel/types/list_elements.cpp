@@ -5,7 +5,7 @@
 #include <system_error>
 #include <utility>
 
-#include "kernel/classes/property_access.h"
+#include "kernel/elements/property_access.h"
 #include "kernel/classes/registry.h"
 #include "kernel/platform/exceptions.h"
 #include "kernel/text/line_reader.h"

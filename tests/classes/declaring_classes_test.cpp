@@ -5,7 +5,7 @@
 #include <array>
 #include <memory>
 
-#include "kernel/classes/property_access.h"
+#include "kernel/elements/property_access.h"
 #include "kernel/classes/registry.h"
 #include "kernel/elements/named.h"
 #include "kernel/platform/publisher.h"

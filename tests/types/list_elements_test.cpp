@@ -10,7 +10,7 @@
 #include <string>
 #include <vector>
 
-#include "kernel/classes/property_access.h"
+#include "kernel/elements/property_access.h"
 #include "kernel/platform/exceptions.h"
 
 namespace veska {

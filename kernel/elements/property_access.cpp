@@ -1,4 +1,4 @@
-#include "kernel/classes/property_access.h"
+#include "kernel/elements/property_access.h"
 
 #include "kernel/platform/exceptions.h"
 #include "kernel/platform/message_sink.h"
