@@ -19,26 +19,28 @@
 #include "kernel/platform/string_list.h"
 #include "kernel/platform/type_info.h"
 #include "kernel/platform/typed_value_stream.h"
+#include "kernel/platform/unit_classes.h"
 #include "kernel/platform/value_traits.h"
-
-// Element model.
-#include "kernel/elements/element.h"
-#include "kernel/elements/entity.h"
-#include "kernel/elements/message.h"
-#include "kernel/elements/named.h"
-
-// Class registry and property access by name.
-#include "kernel/classes/registry.h"
-#include "kernel/classes/startup.h"
-#include "kernel/elements/property_access.h"
-
-// Typed value and list elements.
-#include "kernel/types/list_elements.h"
-#include "kernel/types/type_elements.h"
-#include "kernel/types/types_unit.h"
 
 // Text utilities.
 #include "kernel/text/code_page.h"
 #include "kernel/text/line_reader.h"
 #include "kernel/text/parameter_reader.h"
 #include "kernel/text/string_utils.h"
+
+// Element model and property access by name.
+#include "kernel/elements/class_lookup.h"
+#include "kernel/elements/element.h"
+#include "kernel/elements/elements_unit.h"
+#include "kernel/elements/entity.h"
+#include "kernel/elements/message.h"
+#include "kernel/elements/named.h"
+#include "kernel/elements/property_access.h"
+
+// Class registry.
+#include "kernel/classes/registry.h"
+
+// Typed value and list elements.
+#include "kernel/types/list_elements.h"
+#include "kernel/types/type_elements.h"
+#include "kernel/types/types_unit.h"

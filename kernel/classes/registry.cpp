@@ -1,6 +1,8 @@
 #include "kernel/classes/registry.h"
 
-#include "kernel/classes/startup.h"
+#include <algorithm>
+#include <atomic>
+
 #include "kernel/elements/message.h"
 #include "kernel/platform/checked_arithmetic.h"
 #include "kernel/platform/message_sink.h"
@@ -336,15 +338,36 @@ const ClassInfo* TVeskaClasses::FindClass(const String& name) {
 
 // --- free functions -------------------------------------------------------------------------
 
+namespace {
+
+std::atomic<StartUpSequence> installed_start_up{nullptr};
+std::atomic<bool> registry_created{false};
+
+}  // namespace
+
+void TVeskaClasses::RegisterUnit(const UnitClasses& unit) {
+  if (std::find(registered_units_.begin(), registered_units_.end(), unit.unit_name) != registered_units_.end()) return;
+  registered_units_.emplace_back(unit.unit_name);
+  for (const ClassInfoSource class_info : unit.classes) AddClass(class_info());
+}
+
 TVeskaClasses& VeskaClasses() {
-  // Created once, with the library's classes registered in unit order; never freed.
+  // Created once, filled by the installed start-up sequence; never freed.
   static TVeskaClasses* const registry = [] {
     auto* created = new TVeskaClasses;
     created->ShowProperties = true;
-    RegisterLibraryUnits(*created);
+    if (const StartUpSequence start_up = installed_start_up.load()) start_up(*created);
+    registry_created = true;
     return created;
   }();
   return *registry;
+}
+
+void InstallStartUpSequence(StartUpSequence sequence) {
+  installed_start_up = sequence;
+  // A registry created before the installation (from another unit's start-up code) is filled
+  // now; its units' guards keep a second run from registering anything twice.
+  if (registry_created && sequence != nullptr) sequence(VeskaClasses());
 }
 
 void RegisterVeskaClass(const ClassInfo& element_class) { VeskaClasses().AddClass(element_class); }

@@ -6,6 +6,7 @@
 #include <vector>
 
 #include "kernel/elements/named.h"
+#include "kernel/platform/unit_classes.h"
 
 namespace veska {
 
@@ -129,6 +130,10 @@ class TVeskaClasses : public TOwnerEntity {
   // Accepted and ignored: the list stays sorted by name whatever is written.
   void SetSortByName(bool value);
 
+  // Registers the unit's classes in their order, once: a unit registered before adds nothing,
+  // however often start-up runs.
+  void RegisterUnit(const UnitClasses& unit);
+
   static void Publish(Publisher<TVeskaClasses>& p);
 
  private:
@@ -137,9 +142,20 @@ class TVeskaClasses : public TOwnerEntity {
 
   TVeskaClass* current_ = nullptr;
   int32_t registration_counter_ = 0;
+  std::vector<String> registered_units_;
 };
 
-// The registry of the process.  The first use runs the library's start-up registrations.
+// The classes the registry unit registers at start-up, in registration order.
+inline constexpr UnitClasses kRegistryUnitClasses{u"E_class",
+                                                  ClassListOf<TVeskaClass, TVeskaClasses, TVeskaClassProperty>};
+
+// The start-up sequence: what registers the library's units in the new registry.  The start-up
+// table above every unit installs it while the program starts; the registry runs it on its
+// first use (or at once, if the registry is already in use).
+using StartUpSequence = void (*)(TVeskaClasses& registry);
+void InstallStartUpSequence(StartUpSequence sequence);
+
+// The registry of the process.  The first use runs the installed start-up sequence.
 TVeskaClasses& VeskaClasses();
 
 void RegisterVeskaClass(const ClassInfo& element_class);
@@ -150,6 +166,9 @@ void RegisterVeskaClass() {
 const ClassInfo* GetVeskaClass(const String& name);
 const ClassInfo* FindVeskaClass(const String& name);
 TElement* CreateElementCopy(TElement* element);
+// A new element of the class registered under the name (or under "T" + name); none, with the
+// message "Neregistrovaný element: " + name, when no such class is registered.
+TElement* CreateElementByName(const String& name);
 void CHeckVeskaClasses();
 
 }  // namespace veska

@@ -151,10 +151,6 @@ class TSuperList : public TList {
   void FastFreeAll();
 };
 
-// A new element of the class registered under the name (or under "T" + name); none, with the
-// message "Neregistrovaný element: " + name, when no such class is registered.
-TElement* CreateElementByName(const String& name);
-
 // The debugging aid over the global TestedElement.
 inline TEntity* TestedElement = nullptr;
 void CheckTestedElement();

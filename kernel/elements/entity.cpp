@@ -2,7 +2,7 @@
 
 #include <unordered_set>
 
-#include "kernel/classes/registry.h"
+#include "kernel/elements/class_lookup.h"
 #include "kernel/elements/message.h"
 #include "kernel/elements/named.h"
 #include "kernel/platform/checked_arithmetic.h"
@@ -178,7 +178,7 @@ void TEntity::Clear() {
 }
 
 TElement* TEntity::CreateElement(const String& class_name, const String& name) {
-  const ClassInfo* cls = GetVeskaClass(class_name);
+  const ClassInfo* cls = LookUpClass(class_name);
   if (cls == nullptr) return nullptr;
   auto* element = CreateObjectAs<TElement>(*cls);
   if (element == nullptr) return nullptr;

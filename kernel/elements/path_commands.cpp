@@ -11,10 +11,10 @@
 #include <memory>
 #include <utility>
 
-#include "kernel/elements/property_access.h"
-#include "kernel/classes/registry.h"
+#include "kernel/elements/class_lookup.h"
 #include "kernel/elements/element.h"
 #include "kernel/elements/entity.h"
+#include "kernel/elements/property_access.h"
 #include "kernel/platform/exceptions.h"
 #include "kernel/platform/string_list.h"
 #include "kernel/text/string_tokens.h"
@@ -106,7 +106,7 @@ class PathWalk {
     const String keyword = AsciiUpperCase(word);
     if (keyword == u"FINDELEMENTBYNAME") return entity.FindElementName(argument);
     if (keyword == u"FINDELEMENTBYCLASS") {
-      const ClassInfo* cls = GetVeskaClass(argument);
+      const ClassInfo* cls = LookUpClass(argument);
       return cls != nullptr ? entity.FindElementClass(*cls) : nullptr;
     }
     return nullptr;

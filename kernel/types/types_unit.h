@@ -1,14 +1,16 @@
-// Start-up registration of the unit E_type: the scalar type elements and the list elements.
+// The classes the typed value unit registers at start-up, in registration order: the scalar
+// type elements and the list elements.
 #pragma once
+
+#include "kernel/platform/unit_classes.h"
+#include "kernel/types/list_elements.h"
+#include "kernel/types/type_elements.h"
 
 namespace veska {
 
-class TVeskaClasses;
-
-// Registers the unit's classes in the unit's order: TTypeTestElement, TTypeElement,
-// TBooleanElement, TCharElement, TByteElement, TFloatElement, TDateTimeElement,
-// TIntegerListElement, TStringElement, TIntegerElement, TPointerElement, TStringListElement,
-// TPathElement, TPropertyList.
-void RegisterTypesUnit(TVeskaClasses& registry);
+inline constexpr UnitClasses kTypesUnitClasses{
+    u"E_type", ClassListOf<TTypeTestElement, TTypeElement, TBooleanElement, TCharElement, TByteElement, TFloatElement,
+                           TDateTimeElement, TIntegerListElement, TStringElement, TIntegerElement, TPointerElement,
+                           TStringListElement, TPathElement, TPropertyList>};
 
 }  // namespace veska

@@ -5,6 +5,7 @@
 #include <array>
 #include <memory>
 
+#include "kernel/elements/elements_unit.h"
 #include "kernel/elements/message.h"
 #include "kernel/platform/application.h"
 #include "kernel/platform/exceptions.h"
@@ -121,6 +122,15 @@ TEST(ClassRegistry, LibraryClassesAreRegisteredInUnitOrder) {
   EXPECT_EQ(registry.GetVeskaClassByName(u"TNameElement")->GetUnit_Name(), u"Elements");
   EXPECT_EQ(registry.GetVeskaClassByName(u"TNameElement")->GetAncestorClassName(), u"TElement");
   EXPECT_EQ(GetVeskaClass(u"TVeskaInstance"), nullptr);  // not registered
+}
+
+TEST(ClassRegistry, AUnitRegistersOnceHoweverOftenStartUpRuns) {
+  TVeskaClasses& registry = VeskaClasses();
+  const int count = registry.ElementsCount();
+  registry.RegisterUnit(kElementsUnitClasses);
+  registry.RegisterUnit(kRegistryUnitClasses);
+  EXPECT_EQ(registry.ElementsCount(), count);
+  EXPECT_EQ(registry.GetVeskaClassByName(u"TElement")->ID, 3);
 }
 
 class TTwiceNamed : public TNameElement {

@@ -34,9 +34,10 @@ TEST(StringElementIntegerList, TextWithoutANumberGivesNone) {
   }
 }
 
-TEST(TypesUnit, RegistersEveryClassOfTheUnit) {
+TEST(TypesUnit, RegistersEveryClassOfTheUnitOnce) {
   TVeskaClasses registry;
-  RegisterTypesUnit(registry);
+  registry.RegisterUnit(kTypesUnitClasses);
+  registry.RegisterUnit(kTypesUnitClasses);
   EXPECT_EQ(registry.ElementsCount(), 14);
   for (StringView name :
        {u"TTypeTestElement", u"TTypeElement", u"TBooleanElement", u"TCharElement", u"TByteElement", u"TFloatElement",
