@@ -1,11 +1,14 @@
 #include "kernel/elements/element.h"
 
+#include <algorithm>
 #include <chrono>
 #include <random>
+#include <unordered_set>
+#include <vector>
 
-#include "kernel/elements/property_access.h"
 #include "kernel/elements/entity.h"
 #include "kernel/elements/message.h"
+#include "kernel/elements/property_access.h"
 #include "kernel/platform/checked_arithmetic.h"
 #include "kernel/platform/message_sink.h"
 #include "kernel/platform/typed_value_stream.h"
@@ -138,34 +141,100 @@ bool TElement::NoOwners() const { return GetOwnersCount() < 1; }
 TEntity* TElement::FindOwnerClass(const ClassInfo& /*cls*/) const { return nullptr; }
 TEntity* TElement::FindOwnerName(const String& /*name*/) const { return nullptr; }
 
-TElement* TElement::FindClassInOwners(const ClassInfo& cls) {
-  if (InheritsFrom(cls)) return this;
-  for (int i = 0; i < GetOwnersCount(); ++i) {
-    if (TEntity* owner = GetOwnerEntity(i)) {
-      if (TElement* found = owner->FindClassInOwners(cls)) return found;
+namespace {
+
+// What an owner walk does at one element: the element is the answer, the walk passes it by
+// without climbing further, or it climbs on to the element's owners.
+enum class OwnerStep { Answer, PassBy, Climb };
+
+// Elements an owner walk has seen: a short list while the walk is short, a hash set when it is
+// long, so that neither a shallow walk pays for hashing nor a deep one for searching a list.
+class SeenElements {
+ public:
+  // Whether the element is new to the walk; it is remembered from now on.
+  bool Add(const TElement* element) {
+    if (!many_.empty()) return many_.insert(element).second;
+    if (std::find(few_.begin(), few_.end(), element) != few_.end()) return false;
+    few_.push_back(element);
+    if (few_.size() > kFew) many_.insert(few_.begin(), few_.end());
+    return true;
+  }
+
+ private:
+  static constexpr std::size_t kFew = 32;
+  std::vector<const TElement*> few_;
+  std::unordered_set<const TElement*> many_;
+};
+
+// The three questions an owner walk can put to each element it reaches.
+enum class OwnerQuestion { Class, ClassWithOwner, FirstClassWithOwner };
+
+struct OwnerWalk {
+  OwnerQuestion question;
+  const ClassInfo& cls;
+  const TEntity* entity;
+
+  OwnerStep StepAt(const TElement& element, OwnerQuestion asked) const {
+    const bool of_class = element.InheritsFrom(cls);
+    switch (asked) {
+      case OwnerQuestion::Class:
+        return of_class ? OwnerStep::Answer : OwnerStep::Climb;
+      case OwnerQuestion::ClassWithOwner:
+        if (of_class && element.IsMyOwner(entity)) return OwnerStep::Answer;
+        // An envelope of the class answers for itself alone.
+        return of_class && element.Is<TEnvelopeEntity>() ? OwnerStep::PassBy : OwnerStep::Climb;
+      case OwnerQuestion::FirstClassWithOwner:
+        if (!of_class) return OwnerStep::Climb;
+        return element.IsMyOwner(entity) ? OwnerStep::Answer : OwnerStep::PassBy;
+    }
+    return OwnerStep::PassBy;
+  }
+};
+
+// Climbs from the element through its owners depth first, owners in index order (an envelope
+// climbs to the entity it wraps, and puts the first-class question to it as the plain one), and
+// answers the first element that answers.  The path is kept on the heap and every element is
+// asked once, so neither a deep chain of owners nor a cycle of them can exhaust the stack or
+// loop for ever.
+TElement* ClimbOwners(TElement* start, const OwnerWalk& walk) {
+  struct Pending {
+    TElement* element;
+    OwnerQuestion question;
+  };
+  std::vector<Pending> pending{{start, walk.question}};
+  SeenElements seen;
+  while (!pending.empty()) {
+    const auto [element, question] = pending.back();
+    pending.pop_back();
+    if (!seen.Add(element)) continue;
+    const OwnerStep step = walk.StepAt(*element, question);
+    if (step == OwnerStep::Answer) return element;
+    if (step == OwnerStep::PassBy) continue;
+    if (auto* envelope = ObjectAs<TEnvelopeEntity>(element)) {
+      const OwnerQuestion onward =
+          question == OwnerQuestion::FirstClassWithOwner ? OwnerQuestion::ClassWithOwner : question;
+      if (envelope->Owner() != nullptr) pending.push_back({envelope->Owner(), onward});
+      continue;
+    }
+    for (int i = element->GetOwnersCount() - 1; i >= 0; --i) {
+      if (TEntity* owner = element->GetOwnerEntity(i)) pending.push_back({owner, question});
     }
   }
   return nullptr;
+}
+
+}  // namespace
+
+TElement* TElement::FindClassInOwners(const ClassInfo& cls) {
+  return ClimbOwners(this, {OwnerQuestion::Class, cls, nullptr});
 }
 
 TElement* TElement::FindClassWithOwnerInOwners(const ClassInfo& cls, const TEntity* entity) {
-  if (InheritsFrom(cls) && IsMyOwner(entity)) return this;
-  for (int i = 0; i < GetOwnersCount(); ++i) {
-    if (TEntity* owner = GetOwnerEntity(i)) {
-      if (TElement* found = owner->FindClassWithOwnerInOwners(cls, entity)) return found;
-    }
-  }
-  return nullptr;
+  return ClimbOwners(this, {OwnerQuestion::ClassWithOwner, cls, entity});
 }
 
 TElement* TElement::FindFirstClassWithOwnerInOwners(const ClassInfo& cls, const TEntity* entity) {
-  if (InheritsFrom(cls)) return IsMyOwner(entity) ? this : nullptr;
-  for (int i = 0; i < GetOwnersCount(); ++i) {
-    if (TEntity* owner = GetOwnerEntity(i)) {
-      if (TElement* found = owner->FindFirstClassWithOwnerInOwners(cls, entity)) return found;
-    }
-  }
-  return nullptr;
+  return ClimbOwners(this, {OwnerQuestion::FirstClassWithOwner, cls, entity});
 }
 
 bool TElement::IsPossibleToFree() {
@@ -305,16 +374,37 @@ void TSuperList::FreeAll() {
 
 void TSuperList::FastFreeItem(TElement*& item) {
   if (item == nullptr) return;
-  if (auto* entity = dynamic_cast<TEntity*>(item)) entity->FastFreeAll();
+  if (TSuperList* members = TEntity::MemberList(item)) members->FastFreeAll();
   delete item;
 }
 
+// Frees the whole tree below the list as FastFreeItem for each item would, last item first and
+// each entity's members before the entity, but with the path on the heap: a tree may be deeper
+// than the stack.
 void TSuperList::FastFreeAll() {
-  for (int i = Count() - 1; i >= 0; --i) {
-    TElement* item = Item(i);
-    FastFreeItem(item);
+  struct Level {
+    TSuperList* list;
+    int next;          // the item freed next, counting down
+    TElement* holder;  // the entity whose list this is, freed when the list is done
+  };
+  std::vector<Level> levels{{this, Count() - 1, nullptr}};
+  while (!levels.empty()) {
+    Level& level = levels.back();
+    if (level.next < 0) {
+      level.list->Clear();
+      TElement* holder = level.holder;
+      levels.pop_back();
+      delete holder;  // its list is empty: its destructor frees nothing more
+      continue;
+    }
+    TElement* item = level.list->Item(level.next--);
+    if (item == nullptr) continue;
+    if (TSuperList* members = TEntity::MemberList(item)) {
+      levels.push_back({members, members->Count() - 1, item});
+    } else {
+      delete item;
+    }
   }
-  Clear();
 }
 
 void CheckTestedElement() {

@@ -1,6 +1,8 @@
 #include "kernel/elements/entity.h"
 
+#include <functional>
 #include <unordered_set>
+#include <vector>
 
 #include "kernel/elements/class_lookup.h"
 #include "kernel/elements/message.h"
@@ -10,6 +12,50 @@
 #include "kernel/platform/typed_value_stream.h"
 
 namespace veska {
+
+namespace {
+
+// Freeing a member entity frees its own members from its destructor, so a deep tree would be
+// freed through as many nested destructor calls as it has levels.  Up to this depth members are
+// deleted where they are released; deeper ones are queued, and the outermost freeing deletes
+// the queue.  The same members are freed, every one once; only the deepest go a little later.
+constexpr int kMaxNestedFreeing = 256;
+
+class FreeingLevel {
+ public:
+  FreeingLevel() { ++depth_; }
+  ~FreeingLevel() {
+    if (--depth_ > 0 || draining_) return;
+    draining_ = true;
+    while (!queued_.empty()) {
+      TElement* member = queued_.back();
+      queued_.pop_back();
+      delete member;
+    }
+    draining_ = false;
+  }
+  FreeingLevel(const FreeingLevel&) = delete;
+  FreeingLevel& operator=(const FreeingLevel&) = delete;
+
+  static void Delete(TElement* member) {
+    if (depth_ < kMaxNestedFreeing) {
+      delete member;
+    } else {
+      queued_.push_back(member);
+    }
+  }
+
+ private:
+  static thread_local int depth_;
+  static thread_local bool draining_;
+  static thread_local std::vector<TElement*> queued_;
+};
+
+thread_local int FreeingLevel::depth_ = 0;
+thread_local bool FreeingLevel::draining_ = false;
+thread_local std::vector<TElement*> FreeingLevel::queued_;
+
+}  // namespace
 
 void TEntity::Publish(Publisher<TEntity>& p) {
   p.WriteOnly(u"NextElement", &TEntity::AddElement);
@@ -132,6 +178,7 @@ void TEntity::FreeElementIndex(int index) {
 // not reach back into the list being walked, and it is remembered so that its earlier slots are
 // skipped.  Only members listed again are remembered, and plain members cannot tell.
 void TEntity::ReleaseMembers(bool ask_first) {
+  const FreeingLevel level;
   std::unordered_set<const TElement*> freed;
   for (int i = elements_->Count() - 1; i >= 0; --i) {
     if (i >= elements_->Count()) continue;  // a freed member took other members with it
@@ -144,7 +191,7 @@ void TEntity::ReleaseMembers(bool ask_first) {
       freed.insert(member);
       while (member->IsMyOwner(this)) member->RemoveOwner(this);
     }
-    delete member;
+    FreeingLevel::Delete(member);
   }
   elements_->Clear();
 }
@@ -173,6 +220,30 @@ void TEntity::FastFreeAll() {
   if (elements_) elements_->FastFreeAll();
 }
 
+TSuperList* TEntity::MemberList(TElement* element) {
+  auto* entity = ObjectAs<TEntity>(element);
+  return entity != nullptr ? entity->elements_.get() : nullptr;
+}
+
+void TEntity::WalkUnmarkedMembers(const std::function<bool(TElement&)>& visit) {
+  struct Level {
+    TSuperList* list;
+    int next;
+  };
+  std::vector<Level> levels;
+  if (elements_) levels.push_back({elements_.get(), 0});
+  while (!levels.empty()) {
+    Level& level = levels.back();
+    if (level.next >= level.list->Count()) {
+      levels.pop_back();
+      continue;
+    }
+    TElement* member = level.list->Item(level.next++);
+    if (member == nullptr || member->ID == BaseID || !visit(*member)) continue;
+    if (TSuperList* members = MemberList(member)) levels.push_back({members, 0});
+  }
+}
+
 void TEntity::Clear() {
   if (elements_) elements_->Clear();
 }
@@ -193,29 +264,17 @@ void TEntity::ExchangeElementsIndex(int i, int j) {
   if (elements_) elements_->Exchange(i, j);
 }
 
-void TEntity::PAddAllFrom(TElement* source) {
-  auto* entity = dynamic_cast<TEntity*>(source);
+void TEntity::ForAllFrom(TElement* source, bool last_first, void (TEntity::*action)(TElement*)) {
+  auto* entity = ObjectAs<TEntity>(source);
   if (entity == nullptr) return;
-  for (int i = 0; i <= entity->GetLastIndex(); ++i) AddElement(entity->Get(i));
+  const int last = entity->GetLastIndex();
+  for (int step = 0; step <= last; ++step) (this->*action)(entity->Get(last_first ? last - step : step));
 }
 
-void TEntity::RAddAllFrom(TElement* source) {
-  auto* entity = dynamic_cast<TEntity*>(source);
-  if (entity == nullptr) return;
-  for (int i = entity->GetLastIndex(); i >= 0; --i) AddElement(entity->Get(i));
-}
-
-void TEntity::SetRemoveAllFrom(TElement* source) {
-  auto* entity = dynamic_cast<TEntity*>(source);
-  if (entity == nullptr) return;
-  for (int i = 0; i <= entity->GetLastIndex(); ++i) RemoveElement(entity->Get(i));
-}
-
-void TEntity::SetFreeAllFrom(TElement* source) {
-  auto* entity = dynamic_cast<TEntity*>(source);
-  if (entity == nullptr) return;
-  for (int i = 0; i <= entity->GetLastIndex(); ++i) FreeElement(entity->Get(i));
-}
+void TEntity::PAddAllFrom(TElement* source) { ForAllFrom(source, false, &TEntity::AddElement); }
+void TEntity::RAddAllFrom(TElement* source) { ForAllFrom(source, true, &TEntity::AddElement); }
+void TEntity::SetRemoveAllFrom(TElement* source) { ForAllFrom(source, false, &TEntity::RemoveElement); }
+void TEntity::SetFreeAllFrom(TElement* source) { ForAllFrom(source, false, &TEntity::FreeElement); }
 
 TElement* TEntity::FindOrCreateElementName(const ClassInfo& cls, const String& name) {
   if (TElement* found = FindElementName(name)) return found;
@@ -284,16 +343,24 @@ int32_t TEntity::GetClassCount(const ClassInfo& cls) {
 bool TEntity::CanFreeElement(TElement* /*element*/) { return false; }
 bool TEntity::CheckLoadDuplicity() { return false; }
 
+// The walks below visit what is reachable once, stamping each element with the current mark
+// (BaseID), so that an element reachable along several paths, or through a cycle, counts once.
+// Member entities are walked in place rather than asked through their own override, so that
+// the depth of a tree costs no stack.
+
 int32_t TEntity::GetWholeSizes() {
   ID = BaseID;
-  int32_t size = 0;
-  if (elements_) {
-    for (void* item : *elements_) {
-      auto* member = static_cast<TElement*>(item);
-      if (member != nullptr && member->ID != BaseID) size = CheckedAdd(size, member->GetWholeSizes());
+  int32_t size = GetInstanceSize();
+  WalkUnmarkedMembers([&](TElement& member) {
+    if (!member.Is<TEntity>()) {
+      size = CheckedAdd(size, member.GetWholeSizes());
+      return false;
     }
-  }
-  return CheckedAdd(size, GetInstanceSize());
+    member.ID = BaseID;
+    size = CheckedAdd(size, member.GetInstanceSize());
+    return true;
+  });
+  return size;
 }
 
 int32_t TEntity::GetWholeCount() {
@@ -303,28 +370,26 @@ int32_t TEntity::GetWholeCount() {
 
 int32_t TEntity::GetWholeCounts() {
   ID = BaseID;
-  int32_t count = 0;
-  if (elements_) {
-    for (void* item : *elements_) {
-      auto* member = static_cast<TElement*>(item);
-      if (member == nullptr || member->ID == BaseID) continue;
-      if (auto* entity = dynamic_cast<TEntity*>(member)) {
-        count = CheckedAdd(count, entity->GetWholeCounts());
-      } else {
-        member->ID = BaseID;
-      }
-    }
-  }
-  return CheckedAdd(count, ElementsCount());
+  int32_t count = ElementsCount();
+  WalkUnmarkedMembers([&](TElement& member) {
+    member.ID = BaseID;
+    auto* entity = ObjectAs<TEntity>(&member);
+    if (entity != nullptr) count = CheckedAdd(count, entity->ElementsCount());
+    return entity != nullptr;
+  });
+  return count;
 }
 
 void TEntity::ResetIDs() {
   TElement::ResetIDs();
-  if (!elements_) return;
-  for (void* item : *elements_) {
-    auto* member = static_cast<TElement*>(item);
-    if (member != nullptr && member->ID != BaseID) member->ResetIDs();
-  }
+  WalkUnmarkedMembers([](TElement& member) {
+    if (!member.Is<TEntity>()) {
+      member.ResetIDs();
+      return false;
+    }
+    member.ID = BaseID;
+    return true;
+  });
 }
 
 void TEntity::Save(TWriter& writer) {
@@ -397,14 +462,14 @@ void TEntity::OnTimer() {
 }
 
 TElement* TEntity::GetElement(const String& name) {
-  if (auto* aliases = dynamic_cast<TAliases*>(FindElementClass(TAliases::StaticClassInfo()))) {
+  if (auto* aliases = ObjectAs<TAliases>(FindElementClass(TAliases::StaticClassInfo()))) {
     if (TElement* target = aliases->GetAlias(name)) return target;
   }
   return FindElementName(name);
 }
 
 void TEntity::SetElement(const String& name, TElement* element) {
-  auto* aliases = dynamic_cast<TAliases*>(FindElementClass(TAliases::StaticClassInfo()));
+  auto* aliases = ObjectAs<TAliases>(FindElementClass(TAliases::StaticClassInfo()));
   if (aliases == nullptr) {
     aliases = new TAliases;
     AddElement(aliases);
@@ -434,20 +499,6 @@ TEntity* TEnvelopeEntity::FindOwnerClass(const ClassInfo& cls) const {
   if (InheritsFrom(cls)) return const_cast<TEnvelopeEntity*>(this);
   if (owner_ != nullptr && owner_->InheritsFrom(cls)) return owner_;
   return nullptr;
-}
-
-TElement* TEnvelopeEntity::FindClassInOwners(const ClassInfo& cls) {
-  if (InheritsFrom(cls)) return this;
-  return owner_ != nullptr ? owner_->FindClassInOwners(cls) : nullptr;
-}
-
-TElement* TEnvelopeEntity::FindClassWithOwnerInOwners(const ClassInfo& cls, const TEntity* entity) {
-  if (InheritsFrom(cls)) return IsMyOwner(entity) ? this : nullptr;
-  return owner_ != nullptr ? owner_->FindClassWithOwnerInOwners(cls, entity) : nullptr;
-}
-
-TElement* TEnvelopeEntity::FindFirstClassWithOwnerInOwners(const ClassInfo& cls, const TEntity* entity) {
-  return FindClassWithOwnerInOwners(cls, entity);
 }
 
 }  // namespace veska

@@ -3,6 +3,7 @@
 // envelope that answers for the entity it wraps.
 #pragma once
 
+#include <functional>
 #include <memory>
 
 #include "kernel/elements/element.h"
@@ -55,6 +56,8 @@ class TEntity : public TElement {
 
   void ExchangeElements(TElement* a, TElement* b);
   void ExchangeElementsIndex(int i, int j);
+  // The write-only commands that act on every member of another entity, in list order (the
+  // reversed add in reverse order).
   void PAddAllFrom(TElement* source);
   void RAddAllFrom(TElement* source);
   void SetRemoveAllFrom(TElement* source);
@@ -84,8 +87,17 @@ class TEntity : public TElement {
   void InsertIntoList(int index, TElement* element, bool track_owner);
 
  private:
+  friend class TSuperList;  // its fast free walks the member lists of a whole tree
+
   // The walk of FreeAll (ask_first) and HardFreeAll.
   void ReleaseMembers(bool ask_first);
+  void ForAllFrom(TElement* source, bool last_first, void (TEntity::*action)(TElement*));
+  // The member list of an entity; none for an element that is not one or has no list yet.
+  static TSuperList* MemberList(TElement* element);
+  // Walks the members reachable from this entity depth first, in list order, passing over
+  // those that carry the current mark (BaseID).  visit(member) returns whether the walk goes
+  // on into that member's own members.  The walk keeps its path on the heap, not the stack.
+  void WalkUnmarkedMembers(const std::function<bool(TElement&)>& visit);
 
   std::unique_ptr<TSuperList> elements_;
 };
@@ -109,10 +121,9 @@ class TEnvelopeEntity : public TEntity {
 
   void AddOwner(TEntity* entity) override { SetOwner(entity); }
   void HandleMessage(TVeskaMessage* message, bool& handled) override;
+  // The owner walks (FindClassInOwners and the two with an owner) climb from an envelope to
+  // the entity it wraps; the element's walks know envelopes.
   TEntity* FindOwnerClass(const ClassInfo& cls) const override;
-  TElement* FindClassInOwners(const ClassInfo& cls) override;
-  TElement* FindClassWithOwnerInOwners(const ClassInfo& cls, const TEntity* entity) override;
-  TElement* FindFirstClassWithOwnerInOwners(const ClassInfo& cls, const TEntity* entity) override;
 
  private:
   TEntity* owner_ = nullptr;  // the wrapped entity; not owned

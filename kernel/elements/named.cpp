@@ -135,8 +135,8 @@ int32_t TNameEntity::GetInstanceSize() const {
 
 // --- TOwnerEntity ---------------------------------------------------------------------------
 
-// Leaves every owner, then lets its own members go.  Owner entries are typed entities here,
-// so the original's test for an owner that is not an entity has nothing left to catch.
+// Leaves every owner, then lets its own members go.  Owner entries are typed entities, so an
+// owner that is not an entity cannot occur; an empty entry is reported and passed over.
 TOwnerEntity::~TOwnerEntity() {
   TEntity* current = nullptr;
   try {
@@ -208,12 +208,12 @@ void TOwnerEntity::InsertNameSortedEntity(TElement* element) {
 // --- TAliases -------------------------------------------------------------------------------
 
 TElement* TAliases::GetAlias(const String& name) {
-  auto* alias = dynamic_cast<TAliasElement*>(FindElementName(name));
+  auto* alias = ObjectAs<TAliasElement>(FindElementName(name));
   return alias != nullptr ? alias->Target() : nullptr;
 }
 
-// The member found by name is taken as an alias element; a member of another class there is
-// left alone, since the cast the original made without a test would not hold.
+// The member found by name is taken as an alias element; a member of another class under that
+// name is left alone rather than treated as an alias it is not.
 void TAliases::SetAlias(const String& name, TElement* element) {
   if (element == nullptr) return;
   TElement* member = FindElementName(name);
@@ -223,7 +223,7 @@ void TAliases::SetAlias(const String& name, TElement* element) {
     AddElement(created);
     member = created;
   }
-  if (auto* alias = dynamic_cast<TAliasElement*>(member)) alias->SetTarget(element);
+  if (auto* alias = ObjectAs<TAliasElement>(member)) alias->SetTarget(element);
 }
 
 }  // namespace veska

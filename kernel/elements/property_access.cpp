@@ -8,8 +8,16 @@
 namespace veska {
 namespace {
 
-// Text that is not a whole number gives 0, as the property rules say for kinds 1, 8 and 16.
+// Text that is not a whole number gives 0: for kinds 1, 7 and 16 that is no error.
 int64_t DecimalOrZero(StringView text) { return TryStrToInt64(text).value_or(0); }
+
+// One part of a method pair: empty is 0, anything else must be a whole number, so that a
+// malformed pair is reported and the property keeps its value.
+int64_t MethodPart(StringView text) {
+  if (text.empty()) return 0;
+  if (const auto number = TryStrToInt64(text)) return *number;
+  throw EConvertError(u"'" + String(text) + u"' is not a valid integer value");
+}
 
 // An enumeration or set value from text: a decimal number as it stands, else a value name.
 int64_t OrdinalFromText(const TypeInfo& type, const String& text) {
@@ -83,10 +91,10 @@ void WriteFromText(TObject& object, const PropInfo& property, const String& text
       const std::size_t separator = text.find(u';');
       TMethod method;
       if (separator == String::npos) {
-        method.Data = DecimalOrZero(text);
+        method.Data = MethodPart(text);
       } else {
-        method.Code = DecimalOrZero(StringView(text).substr(0, separator));
-        method.Data = DecimalOrZero(StringView(text).substr(separator + 1, 255));
+        method.Code = MethodPart(StringView(text).substr(0, separator));
+        method.Data = MethodPart(StringView(text).substr(separator + 1, 255));
       }
       property.SetMethod(object, method);
       break;

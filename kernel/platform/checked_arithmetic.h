@@ -1,6 +1,6 @@
-// Range- and overflow-checked integer arithmetic.  The original ran with range and overflow
-// checks on, and some of its loops rely on the resulting errors; these helpers raise the same
-// errors where the library needs that behaviour.
+// Range- and overflow-checked integer arithmetic.  Some of the kernel's loops rely on range and
+// overflow errors (a 16-bit counter that must not wrap, say); these helpers raise them where the
+// library needs that behaviour.
 #pragma once
 
 #include <concepts>

@@ -1,6 +1,6 @@
 // The one record that decides the "locale" text forms of numbers, dates and times.
 //
-// The original took these from the operating system's regional settings.  A library must give
+// A desktop program takes these from the regional settings of the machine.  A library must give
 // the same text on every machine, so the record starts with fixed defaults, modelled on the
 // Czech regional settings the system was made for, except for the decimal separator, which is
 // the dot so that numbers written by the library read back anywhere.  Applications may change

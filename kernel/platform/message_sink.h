@@ -1,6 +1,6 @@
 // The message sink: where the library's message boxes and error dialogs go.
 //
-// The original showed modal message boxes; a library has no user interface, so every such text
+// The system's texts for the user were message boxes; a library has no user interface, so every such text
 // is handed to one replaceable function.  The default writes the text as UTF-8 to stderr.
 // Tests install a capturing sink and compare the exact texts.
 #pragma once

@@ -1,6 +1,6 @@
 // The text type of the library and its conversions.
 //
-// Text is UTF-16 in memory, as it was on the original platform: lengths, positions and
+// Text is UTF-16 in memory, as the system's files and texts expect: lengths, positions and
 // "characters" are UTF-16 code units.  8-bit text (Windows-1250 bytes) is std::string.  UTF-8
 // appears only at the edges (files, the command line, logs).
 #pragma once

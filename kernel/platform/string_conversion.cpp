@@ -1,6 +1,6 @@
 // UTF-8, UTF-16 and Windows-1250 conversions.  Written by hand rather than through ICU's
 // converters because every malformed sequence must become U+FFFD in a defined way and the
-// Windows-1250 table must keep the original platform's treatment of its undefined bytes.
+// Windows-1250 table must keep its undefined bytes as they are, so that every byte string survives a round trip.
 #include <array>
 #include <cstdint>
 
@@ -43,7 +43,7 @@ void AppendUtf16(String& out, char32_t cp) {
 }
 
 // Windows-1250 bytes 80..FF as UTF-16.  The undefined bytes 81, 83, 88, 90 and 98 stand for
-// the code points of the same number, which is what the original platform produced.
+// the code points of the same number, so that text read from old files converts back to the same bytes.
 constexpr std::array<char16_t, 128> kWin1250High = {
     0x20AC, 0x0081, 0x201A, 0x0083, 0x201E, 0x2026, 0x2020, 0x2021,  // 80
     0x0088, 0x2030, 0x0160, 0x2039, 0x015A, 0x0164, 0x017D, 0x0179,  // 88

@@ -52,7 +52,7 @@ class TCharSet {
     return true;
   }
 
-  // Union, difference and intersection, as the set operators + - * of the original language.
+  // Union, difference and intersection, written + - * as the set operators are in the system's code.
   friend constexpr TCharSet operator+(TCharSet a, const TCharSet& b) {
     for (unsigned i = 0; i < a.words_.size(); ++i) a.words_[i] |= b.words_[i];
     return a;

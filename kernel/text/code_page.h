@@ -35,7 +35,7 @@ struct CzechLetter {
   constexpr unsigned char In(CzechColumn column) const { return Bytes[static_cast<std::size_t>(column)]; }
 };
 
-// The letter table.  Row N of the documentation is element N - 1.
+// The letter table, numbered from 1 in the comments.
 //                                       Win1250 8859-2 Kamen. CP852  Plain
 inline constexpr std::array<CzechLetter, 42> CzechLetters{{
     {u'Á', {0xC1, 0xC1, 0x8F, 0xB5, 'A'}},  //  1

@@ -50,14 +50,14 @@ class TCtiRadekClass {
   String DejStringMeziApostrofy();
   // Whole numbers: an optional sign and decimal digits.  A number that does not fit, or runs
   // into any other character than an item end ("12abc", "1.5"), is an error.  Both are 32-bit:
-  // Integer and LongInt were the same 32-bit type on the original platform.
+  // the system's Integer and LongInt are the same 32-bit type.
   std::int32_t DejInteger();
   std::int32_t DejLongInt();
   // Decimal numbers: an optional sign, digits with at most one decimal mark, an optional
   // exponent (e or E, optional sign, digits).  The mark is '.' or ','; a comma counts as the
   // mark only between two digits, so "1,5" is one and a half while "1, 5" and "1.5,2" are two
   // numbers.  A '.' needs a digit after it: ".5" is a number, "5." is not.  DejReal gives double and DejExtended long
-  // double, the two float types of the original; a value beyond the type's range is an error.
+  // double, the system's two float types; a value beyond the type's range is an error.
   double DejReal();
   long double DejExtended();
   // true/false, ano/ne or 1/0 in any letter case.

@@ -139,6 +139,7 @@ TEST(PropertyAccess, EveryKindReadsAndWritesItsTextForm) {
       {u"Flag", u"false", u"False"},
       {u"Meth", u"12;34", u"12;34"},
       {u"Meth", u"56", u"0;56"},  // without ";" the whole text is the data part
+      {u"Meth", u";", u"0;0"},    // an empty part is 0
       {u"Wide", u"new", u""},     // wide strings and variants read empty and are never written
       {u"Var", u"4", u""},
   };
@@ -189,9 +190,15 @@ TEST(PropertyAccess, FailingReadsGiveErrorTextsAndFailingWritesAreReported) {
   SetPropStringByName(&o, u"Flt", u"abc");
   EXPECT_EQ(o.Flt, 1.5);
   SetPropStringByName(&o, u"Mode", u"pmNone");
-  ASSERT_EQ(captured.Texts().size(), 2U);
+  // A method pair is no integer: a malformed part is an error, and the pair stays as it was.
+  SetPropStringByName(&o, u"Meth", u"7;8");
+  SetPropStringByName(&o, u"Meth", u"12;abc");
+  SetPropStringByName(&o, u"Meth", u"x;5");
+  EXPECT_EQ(GetPropStringByName(&o, u"Meth"), u"7;8");
+  ASSERT_EQ(captured.Texts().size(), 4U);
   EXPECT_EQ(captured.Texts()[0], u"Error filling property Flt by string abc");
   EXPECT_EQ(captured.Texts()[1], u"Error filling property Mode by string pmNone");
+  EXPECT_EQ(captured.Texts()[2], u"Error filling property Meth by string 12;abc");
   EXPECT_EQ(captured.Entries()[0].Kind, MessageKind::Error);
 }
 
