@@ -296,7 +296,7 @@ void TVeskaClasses::InsertByName(TVeskaClass* record) {
   } else {
     InsertElement(insert_index, record);
   }
-  current_ = record;
+  current_.store(record, std::memory_order_relaxed);
 }
 
 void TVeskaClasses::AddVeskaClass(TVeskaClass* record) {
@@ -314,15 +314,20 @@ void TVeskaClasses::AddClass(const ClassInfo& element_class) {
   InsertByName(record);
 }
 
-TVeskaClass* TVeskaClasses::GetVeskaClassByName(const String& name) {
+TVeskaClass* TVeskaClasses::RecordNamed(const String& name) {
   int insert_index = -1;
   int index = FindIndex(name, insert_index);
   if (index < 0) return nullptr;
   // The search may land on any of several records of one name; the one registered first,
   // which stands in front of the others, is the one that answers.
   while (index > 0 && CompareWithName(name, Get(index - 1)) == 0) --index;
-  current_ = ObjectAs<TVeskaClass>(Get(index));
-  return current_;
+  return ObjectAs<TVeskaClass>(Get(index));
+}
+
+TVeskaClass* TVeskaClasses::GetVeskaClassByName(const String& name) {
+  TVeskaClass* record = RecordNamed(name);
+  if (record != nullptr) current_.store(record, std::memory_order_relaxed);
+  return record;
 }
 
 const ClassInfo* TVeskaClasses::GetClass(const String& name) {
@@ -330,11 +335,21 @@ const ClassInfo* TVeskaClasses::GetClass(const String& name) {
   return record != nullptr ? record->ElementClass() : nullptr;
 }
 
-const ClassInfo* TVeskaClasses::FindClass(const String& name) {
-  const ClassInfo* found = GetClass(name);
-  if (found == nullptr) throw EClassNotFound(u"Veska nenašel třídu " + name);
-  return found;
+const ClassInfo* TVeskaClasses::ClassNamed(const String& name) {
+  const TVeskaClass* record = RecordNamed(name);
+  return record != nullptr ? record->ElementClass() : nullptr;
 }
+
+namespace {
+
+const ClassInfo& FoundOrRaise(const ClassInfo* found, const String& name) {
+  if (found == nullptr) throw EClassNotFound(u"Veska nenašel třídu " + name);
+  return *found;
+}
+
+}  // namespace
+
+const ClassInfo* TVeskaClasses::FindClass(const String& name) { return &FoundOrRaise(GetClass(name), name); }
 
 // --- free functions -------------------------------------------------------------------------
 
@@ -372,9 +387,9 @@ void InstallStartUpSequence(StartUpSequence sequence) {
 
 void RegisterVeskaClass(const ClassInfo& element_class) { VeskaClasses().AddClass(element_class); }
 
-const ClassInfo* GetVeskaClass(const String& name) { return VeskaClasses().GetClass(name); }
+const ClassInfo* GetVeskaClass(const String& name) { return VeskaClasses().ClassNamed(name); }
 
-const ClassInfo* FindVeskaClass(const String& name) { return VeskaClasses().FindClass(name); }
+const ClassInfo* FindVeskaClass(const String& name) { return &FoundOrRaise(GetVeskaClass(name), name); }
 
 TElement* CreateElementCopy(TElement* element) {
   TVeskaInstance instance;
@@ -385,7 +400,7 @@ TElement* CreateElementCopy(TElement* element) {
 void CHeckVeskaClasses() {
   TVeskaClasses& registry = VeskaClasses();
   for (int i = 0; i <= registry.GetLastIndex(); ++i) {
-    if (auto* record = dynamic_cast<TVeskaClass*>(registry.Get(i))) record->SelfCHeck();
+    if (auto* record = ObjectAs<TVeskaClass>(registry.Get(i))) record->SelfCHeck();
   }
 }
 

@@ -2,6 +2,7 @@
 // properties, so that elements can be created from class names and walked property by property.
 #pragma once
 
+#include <atomic>
 #include <variant>
 #include <vector>
 
@@ -115,6 +116,7 @@ class TVeskaClasses : public TOwnerEntity {
  public:
   virtual void AddVeskaClass(TVeskaClass* record);
   virtual void AddClass(const ClassInfo& element_class);
+  // Both make the record found the current class.
   virtual TVeskaClass* GetVeskaClassByName(const String& name);
   virtual const ClassInfo* GetClass(const String& name);
   // GetClass, raising EClassNotFound "Veska nenašel třídu " + name when unknown.
@@ -124,7 +126,12 @@ class TVeskaClasses : public TOwnerEntity {
   // that name belongs, -1 meaning the end.
   int FindIndex(const String& name, int& insert_index);
 
-  TVeskaClass* CurrentClass() const { return current_; }
+  // The element class of the record of that name, as GetClass finds it, leaving the current
+  // class as it is: the lookup behind GetVeskaClass and creation by class name, which must be
+  // safe from any thread once start-up is over.
+  const ClassInfo* ClassNamed(const String& name);
+
+  TVeskaClass* CurrentClass() const { return current_.load(std::memory_order_relaxed); }
   bool ShowProperties = false;
   bool SortByName = true;
   // Accepted and ignored: the list stays sorted by name whatever is written.
@@ -139,8 +146,12 @@ class TVeskaClasses : public TOwnerEntity {
  private:
   // Inserts the record at its place by name and makes it the current class.
   void InsertByName(TVeskaClass* record);
+  // The first record of that name; none when there is none.
+  TVeskaClass* RecordNamed(const String& name);
 
-  TVeskaClass* current_ = nullptr;
+  // Written by registration (start-up) and by the documented lookups of the registry itself;
+  // atomic so that those lookups, too, may run beside each other.
+  std::atomic<TVeskaClass*> current_{nullptr};
   int32_t registration_counter_ = 0;
   std::vector<String> registered_units_;
 };
@@ -156,6 +167,10 @@ using StartUpSequence = void (*)(TVeskaClasses& registry);
 void InstallStartUpSequence(StartUpSequence sequence);
 
 // The registry of the process.  The first use runs the installed start-up sequence.
+//
+// Threads: registration belongs to start-up (or to the main thread afterwards).  Once it is
+// over, GetVeskaClass, FindVeskaClass and CreateElementByName are safe from any thread: they
+// only read the registry.
 TVeskaClasses& VeskaClasses();
 
 void RegisterVeskaClass(const ClassInfo& element_class);

@@ -15,6 +15,7 @@
 
 namespace veska {
 
+// The generator is used by ResetBaseID alone, on the main thread, like the mark it sets.
 void ResetBaseID() {
   static std::minstd_rand generator(static_cast<unsigned>(std::chrono::steady_clock::now().time_since_epoch().count()));
   std::uniform_int_distribution<int32_t> mark(0, 31999);

@@ -16,12 +16,14 @@ class TWriter;
 class TVeskaMessage;
 class TStringList;
 
-// The visit mark of whole-graph walks: always in -31999..0, new on every ResetBaseID.
+// The visit mark of whole-graph walks: always in -31999..0, new on every ResetBaseID.  Whole-
+// graph walks (sizes, counts, ID resets) and ResetBaseID belong to the main thread, as the
+// element trees they walk do.
 inline int32_t BaseID = 0;
 void ResetBaseID();
 
 // The life-cycle watch: when on and a watch time is set, elements that keep a life-cycle
-// period are alive only when the watch time falls within it.
+// period are alive only when the watch time falls within it.  Main thread only.
 inline bool Life_Cycle_Watch = false;
 inline TDateTime Life_Cycle_WatchTime = 0;
 
@@ -151,7 +153,7 @@ class TSuperList : public TList {
   void FastFreeAll();
 };
 
-// The debugging aid over the global TestedElement.
+// The debugging aid over the global TestedElement.  Main thread only.
 inline TEntity* TestedElement = nullptr;
 void CheckTestedElement();
 

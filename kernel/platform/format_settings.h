@@ -38,7 +38,8 @@ struct TFormatSettings {
   int TwoDigitYearCenturyWindow = 50;
 };
 
-// The process-wide settings that the locale-dependent conversions use.
+// The process-wide settings that the locale-dependent conversions use.  Set at start-up, before
+// other threads run; afterwards read by every thread and changed by none.
 inline TFormatSettings FormatSettings;
 
 }  // namespace veska

@@ -17,6 +17,8 @@ enum class MessageKind { Information, Error };
 using MessageSink = std::function<void(const String& text, MessageKind kind)>;
 
 // Installs a sink and returns the one it replaces.  An empty function restores the default.
+// Safe from any thread; the sink is called on the thread that shows the text, so a sink that
+// texts from worker threads reach must guard its own state.
 MessageSink SetMessageSink(MessageSink sink);
 
 // Delivers one text to the current sink.  Never throws: a failing sink is ignored, since the

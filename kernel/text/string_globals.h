@@ -1,7 +1,9 @@
 // The global variables of the unit U_string, shared by the other subsystems.
 //
-// They are set when the library is loaded and may be changed by the application.  Code that
-// runs while static objects are being initialised must not read them.
+// They are set when the library is loaded and may be changed by the application at start-up,
+// before other threads run; afterwards they are read-only for every thread but the main one,
+// which alone may change them.  Code that runs while static objects are being initialised must
+// not read them.
 #pragma once
 
 #include "kernel/platform/string.h"
