@@ -104,14 +104,9 @@ std::string WinToIBM(std::string_view text) {
   return TranslateColumns<CzechColumn::Windows1250, CzechColumn::Plain>(text);
 }
 
-String WinTo_UTF8(StringView text) {
-  std::string windows1250(text.size(), '\0');
-  std::ranges::transform(text, windows1250.begin(), [](char16_t c) { return static_cast<char>(c & 0xFF); });
-  const std::string utf8 = ToUtf8(FromWin1250(windows1250));
-  String result(utf8.size(), u'\0');
-  std::ranges::transform(utf8, result.begin(),
-                         [](char byte) { return static_cast<char16_t>(static_cast<unsigned char>(byte)); });
-  return result;
-}
+// The UTF-8 bytes of the text, each shown as the Windows-1250 character of that byte: what a
+// program of the system's code page sees when it reads UTF-8.  Every byte has a character, so
+// ToWin1250 of the result gives the UTF-8 bytes back.
+String WinTo_UTF8(StringView text) { return FromWin1250(ToUtf8(text)); }
 
 }  // namespace veska

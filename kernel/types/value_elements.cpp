@@ -281,11 +281,13 @@ void TPointerElement::SetAsInteger(int32_t value) { SetAsPointer(ObjectHandles::
 NativeInt TPointerElement::GetAsNativeInt() const { return GetAsInteger(); }
 void TPointerElement::SetAsNativeInt(NativeInt value) { SetAsInteger(value); }
 String TPointerElement::GetAsString() const { return IntToStr(GetAsInteger()); }
-void TPointerElement::SetAsString(const String& value) { SetAsInteger(StringToInteger(value)); }
+void TPointerElement::SetAsString(const String& value) {
+  if (auto number = TryStrToLongInt(value)) SetAsInteger(*number);
+}
 TObject* TPointerElement::GetAsPointer() const { return ObjectHandles::ObjectOf(handle_); }
 void TPointerElement::SetAsPointer(TObject* value) { handle_ = ObjectHandles::HandleOf(value); }
 TTypeElement* TPointerElement::SelfCopy() const { return NamedCopy<TPointerElement>(*this, GetAsPointer()); }
-TElement* TPointerElement::Get_Element() const { return dynamic_cast<TElement*>(GetAsPointer()); }
+TElement* TPointerElement::Get_Element() const { return ObjectAs<TElement>(GetAsPointer()); }
 void TPointerElement::Set_Element(TElement* value) { SetAsPointer(value); }
 
 // ---- TDateTimeElement ----------------------------------------------------------------------

@@ -324,5 +324,34 @@ TEST(ValueElements, CopiesCarryValueAndNameAndVirtualConstructorsLeaveItEmpty) {
   }
 }
 
+// Text that does not parse is ignored by every string setter; only the date-time element, by
+// design, takes it as 0.
+TEST(ValueElements, TextThatDoesNotParseLeavesTheValueExceptForTheDateTime) {
+  TNameElement target;
+  TPointerElement pointer;
+  pointer.SetAsPointer(&target);
+  TBooleanElement boolean;
+  boolean.SetAsBoolean(true);
+  TCharElement character;
+  character.SetAsChar(u'q');
+  TByteElement byte;
+  byte.SetAsByte(7);
+  TFloatElement floating(2.5);
+  TIntegerElement integer(42);
+  TTypeElement* const keeping[] = {&pointer, &boolean, &character, &byte, &floating, &integer};
+  for (TTypeElement* element : keeping) {
+    const String before = element->GetAsString();
+    for (StringView junk : {u"abc", u"", u"12abc"}) {
+      if (element == &character && !junk.empty()) continue;  // any first character is a character
+      element->SetAsString(String(junk));
+      EXPECT_EQ(element->GetAsString(), before) << ToUtf8(element->ClassName()) << " '" << ToUtf8(junk) << "'";
+    }
+  }
+  EXPECT_EQ(pointer.GetAsPointer(), &target);
+  TDateTimeElement date_time(45000.25);
+  date_time.SetAsString(u"abc");
+  EXPECT_EQ(date_time.GetAsDateTime(), 0);
+}
+
 }  // namespace
 }  // namespace veska
