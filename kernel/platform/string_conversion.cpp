@@ -1,6 +1,10 @@
-// UTF-8, UTF-16 and Windows-1250 conversions.  Written by hand rather than through ICU's
-// converters because every malformed sequence must become U+FFFD in a defined way and the
-// Windows-1250 table must keep its undefined bytes as they are, so that every byte string survives a round trip.
+// UTF-8, UTF-16 and Windows-1250 conversions.  UTF-8 goes through ICU, which replaces every
+// ill-formed sequence by U+FFFD as the Unicode standard recommends (one per maximal subpart:
+// "ED A0 80", an encoded surrogate, gives three).  The Windows-1250 table is our own, because it
+// must keep the undefined bytes as they are, so that every byte string survives a round trip.
+#include <unicode/ustring.h>
+
+#include <algorithm>
 #include <array>
 #include <cstdint>
 
@@ -9,38 +13,14 @@
 namespace veska {
 namespace {
 
-constexpr char16_t kReplacement = 0xFFFD;
+constexpr UChar32 kReplacement = 0xFFFD;
 
-bool IsHighSurrogate(char32_t c) { return c >= 0xD800 && c <= 0xDBFF; }
-bool IsLowSurrogate(char32_t c) { return c >= 0xDC00 && c <= 0xDFFF; }
+// ICU counts in 32-bit lengths; longer texts are converted in pieces that end on a whole
+// character.
+constexpr std::size_t kPiece = std::size_t{1} << 28;
 
-void AppendUtf8(std::string& out, char32_t cp) {
-  if (cp < 0x80) {
-    out += char(cp);
-  } else if (cp < 0x800) {
-    out += char(0xC0 | (cp >> 6));
-    out += char(0x80 | (cp & 0x3F));
-  } else if (cp < 0x10000) {
-    out += char(0xE0 | (cp >> 12));
-    out += char(0x80 | ((cp >> 6) & 0x3F));
-    out += char(0x80 | (cp & 0x3F));
-  } else {
-    out += char(0xF0 | (cp >> 18));
-    out += char(0x80 | ((cp >> 12) & 0x3F));
-    out += char(0x80 | ((cp >> 6) & 0x3F));
-    out += char(0x80 | (cp & 0x3F));
-  }
-}
-
-void AppendUtf16(String& out, char32_t cp) {
-  if (cp < 0x10000) {
-    out += char16_t(cp);
-  } else {
-    cp -= 0x10000;
-    out += char16_t(0xD800 + (cp >> 10));
-    out += char16_t(0xDC00 + (cp & 0x3FF));
-  }
-}
+bool IsHighSurrogate(char16_t c) { return c >= 0xD800 && c <= 0xDBFF; }
+bool IsUtf8Continuation(char c) { return (static_cast<unsigned char>(c) & 0xC0) == 0x80; }
 
 // Windows-1250 bytes 80..FF as UTF-16.  The undefined bytes 81, 83, 88, 90 and 98 stand for
 // the code points of the same number, so that text read from old files converts back to the same bytes.
@@ -76,57 +56,37 @@ char CharToWin1250(char16_t c) {
 
 std::string ToUtf8(StringView text) {
   std::string out;
-  out.reserve(text.size());
-  for (std::size_t i = 0; i < text.size(); ++i) {
-    char32_t c = text[i];
-    if (IsHighSurrogate(c) && i + 1 < text.size() && IsLowSurrogate(text[i + 1])) {
-      c = 0x10000 + ((c - 0xD800) << 10) + (text[i + 1] - 0xDC00);
-      ++i;
-    } else if (IsHighSurrogate(c) || IsLowSurrogate(c)) {
-      c = kReplacement;
-    }
-    AppendUtf8(out, c);
+  while (!text.empty()) {
+    std::size_t length = std::min(text.size(), kPiece);
+    if (length < text.size() && IsHighSurrogate(text[length - 1])) --length;
+    const std::size_t start = out.size();
+    out.resize(start + 3 * length);  // three bytes at most for each UTF-16 unit
+    int32_t written = 0;
+    UErrorCode status = U_ZERO_ERROR;
+    u_strToUTF8WithSub(out.data() + start, static_cast<int32_t>(3 * length), &written, text.data(),
+                       static_cast<int32_t>(length), kReplacement, nullptr, &status);
+    out.resize(start + (U_SUCCESS(status) ? static_cast<std::size_t>(written) : 0));
+    text.remove_prefix(length);
   }
   return out;
 }
 
 String FromUtf8(std::string_view utf8) {
   String out;
-  out.reserve(utf8.size());
-  std::size_t i = 0;
-  while (i < utf8.size()) {
-    const auto lead = static_cast<unsigned char>(utf8[i]);
-    int length = 0;
-    char32_t cp = 0;
-    char32_t minimum = 0;
-    if (lead < 0x80) {
-      out += char16_t(lead);
-      ++i;
-      continue;
-    } else if ((lead & 0xE0) == 0xC0) {
-      length = 2, cp = lead & 0x1F, minimum = 0x80;
-    } else if ((lead & 0xF0) == 0xE0) {
-      length = 3, cp = lead & 0x0F, minimum = 0x800;
-    } else if ((lead & 0xF8) == 0xF0) {
-      length = 4, cp = lead & 0x07, minimum = 0x10000;
-    } else {
-      out += kReplacement;  // a stray continuation byte or an invalid lead byte
-      ++i;
-      continue;
+  while (!utf8.empty()) {
+    std::size_t length = std::min(utf8.size(), kPiece);
+    // A piece ends before the lead byte of a sequence that the next piece continues.
+    for (std::size_t back = 0; length < utf8.size() && back < 3 && IsUtf8Continuation(utf8[length]); ++back) {
+      --length;
     }
-    // Take continuation bytes while they come; a short sequence is replaced as a whole
-    // and the byte that broke it is read again as the start of the next one.
-    int taken = 1;
-    while (taken < length && i + taken < utf8.size() && (static_cast<unsigned char>(utf8[i + taken]) & 0xC0) == 0x80) {
-      cp = (cp << 6) | (static_cast<unsigned char>(utf8[i + taken]) & 0x3F);
-      ++taken;
-    }
-    i += taken;
-    if (taken < length || cp < minimum || cp > 0x10FFFF || IsHighSurrogate(cp) || IsLowSurrogate(cp)) {
-      out += kReplacement;
-    } else {
-      AppendUtf16(out, cp);
-    }
+    const std::size_t start = out.size();
+    out.resize(start + length);  // one UTF-16 unit at most for each byte
+    int32_t written = 0;
+    UErrorCode status = U_ZERO_ERROR;
+    u_strFromUTF8WithSub(out.data() + start, static_cast<int32_t>(length), &written, utf8.data(),
+                         static_cast<int32_t>(length), kReplacement, nullptr, &status);
+    out.resize(start + (U_SUCCESS(status) ? static_cast<std::size_t>(written) : 0));
+    utf8.remove_prefix(length);
   }
   return out;
 }

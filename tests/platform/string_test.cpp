@@ -11,14 +11,24 @@ TEST(Utf8Conversion, RoundTripsEveryPlane) {
   EXPECT_EQ(ToUtf8(u"č"), "\xC4\x8D");
 }
 
-TEST(Utf8Conversion, MalformedInputBecomesReplacementCharacters) {
-  EXPECT_EQ(FromUtf8("a\x80z"), u"a\uFFFDz");                              // stray continuation byte
-  EXPECT_EQ(FromUtf8("a\xC4"), u"a\uFFFD");                                // truncated at the end
-  EXPECT_EQ(FromUtf8("\xE2\x82z"), u"\uFFFDz");                            // short sequence, next byte kept
-  EXPECT_EQ(FromUtf8("\xC0\xAF"), u"\uFFFD");                              // overlong form of '/'
-  EXPECT_EQ(FromUtf8("\xED\xA0\x80"), u"\uFFFD");                          // encoded surrogate
-  EXPECT_EQ(FromUtf8("\xF4\x90\x80\x80"), u"\uFFFD");                      // beyond U+10FFFF
+// Every maximal ill-formed subpart becomes one U+FFFD, as the Unicode standard recommends.
+TEST(Utf8Conversion, MalformedInputBecomesOneReplacementPerMaximalSubpart) {
+  struct Case {
+    std::string_view utf8;
+    StringView expected;
+  };
+  static constexpr Case kCases[] = {
+      {"a\x80z", u"a\uFFFDz"},                            // stray continuation byte
+      {"a\xC4", u"a\uFFFD"},                              // truncated at the end
+      {"\xE2\x82z", u"\uFFFDz"},                          // short sequence, next byte kept
+      {"\xC0\xAF", u"\uFFFD\uFFFD"},                      // C0 never leads: overlong '/'
+      {"\xED\xA0\x80", u"\uFFFD\uFFFD\uFFFD"},            // an encoded surrogate
+      {"\xF4\x90\x80\x80", u"\uFFFD\uFFFD\uFFFD\uFFFD"},  // beyond U+10FFFF
+      {"\xF0\x9F\x98", u"\uFFFD"},                        // an emoji cut short
+  };
+  for (const Case& c : kCases) EXPECT_EQ(FromUtf8(c.utf8), c.expected) << testing::PrintToString(c.utf8);
   EXPECT_EQ(ToUtf8(String(1, char16_t(0xD800)) + u"x"), "\xEF\xBF\xBDx");  // lone surrogate
+  EXPECT_EQ(ToUtf8(String(1, char16_t(0xDC00))), "\xEF\xBF\xBD");
 }
 
 TEST(Win1250Conversion, CzechLettersAndPunctuation) {
