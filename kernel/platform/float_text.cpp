@@ -4,6 +4,7 @@
 #include <cmath>
 #include <cstddef>
 #include <limits>
+#include <optional>
 #include <string>
 #include <string_view>
 #include <system_error>
@@ -100,10 +101,12 @@ String FloatToStrUnformatted(double value) {
   return result;
 }
 
-bool TryStrToFloat(StringView text, double& value, const TFormatSettings& settings) {
-  const auto isBlank = [](char16_t c) { return c == u' ' || c == u'\t'; };
-  while (!text.empty() && isBlank(text.front())) text.remove_prefix(1);
-  while (!text.empty() && isBlank(text.back())) text.remove_suffix(1);
+std::optional<double> ReadDecimalFloat(StringView text, FloatBlanks blanks, StringView separators) {
+  const auto is_blank = [blanks](char16_t c) {
+    return blanks == FloatBlanks::ControlsAndSpace ? c <= u' ' : c == u' ' || c == u'\t';
+  };
+  while (!text.empty() && is_blank(text.front())) text.remove_prefix(1);
+  while (!text.empty() && is_blank(text.back())) text.remove_suffix(1);
 
   bool negative = false;
   StringView body = text;
@@ -112,14 +115,9 @@ bool TryStrToFloat(StringView text, double& value, const TFormatSettings& settin
     body.remove_prefix(1);
   }
   const String word = AsciiUpperCase(body);
-  if (word == u"INF") {
-    value = negative ? -std::numeric_limits<double>::infinity() : std::numeric_limits<double>::infinity();
-    return true;
-  }
-  if (word == u"NAN" && body.size() == text.size()) {
-    value = std::numeric_limits<double>::quiet_NaN();
-    return true;
-  }
+  if (word == u"INF")
+    return negative ? -std::numeric_limits<double>::infinity() : std::numeric_limits<double>::infinity();
+  if (word == u"NAN" && body.size() == text.size()) return std::numeric_limits<double>::quiet_NaN();
 
   // Check the grammar and copy the number in the form from_chars reads: ASCII, dot as separator.
   // On the way note the decimal order of the value (the number of digits before the point once
@@ -138,17 +136,17 @@ bool TryStrToFloat(StringView text, double& value, const TFormatSettings& settin
       if (!separatorSeen) ++digitsBeforePoint;
       nonZeroSeen = nonZeroSeen || c != u'0';
       if (!nonZeroSeen) ++leadingZeros;
-    } else if (c == settings.DecimalSeparator && !separatorSeen) {
+    } else if (!separatorSeen && separators.find(c) != StringView::npos) {
       number += '.';
       separatorSeen = true;
     } else {
       break;
     }
   }
-  if (number.empty() || number == ".") return false;
+  if (number.empty() || number == ".") return std::nullopt;
   long long exponent = 0;
   if (pos < body.size()) {
-    if (body[pos] != u'e' && body[pos] != u'E') return false;
+    if (body[pos] != u'e' && body[pos] != u'E') return std::nullopt;
     number += 'e';
     ++pos;
     const bool negativeExponent = pos < body.size() && body[pos] == u'-';
@@ -158,22 +156,27 @@ bool TryStrToFloat(StringView text, double& value, const TFormatSettings& settin
       number += char(body[pos]);
       if (exponent < kExponentLimit) exponent = exponent * 10 + (body[pos] - u'0');
     }
-    if (pos == exponentStart || pos < body.size()) return false;
+    if (pos == exponentStart || pos < body.size()) return std::nullopt;
     if (negativeExponent) exponent = -exponent;
   }
 
   double magnitude = 0;
   const auto [end, error] = std::from_chars(number.data(), number.data() + number.size(), magnitude);
-  if (end != number.data() + number.size()) return false;
+  if (end != number.data() + number.size()) return std::nullopt;
   if (error == std::errc::result_out_of_range) {
     const long long order = digitsBeforePoint - leadingZeros + exponent;
-    if (nonZeroSeen && order > 0) return false;  // too large
-    magnitude = 0;                               // too small: reads as zero
+    if (nonZeroSeen && order > 0) return std::nullopt;  // too large
+    magnitude = 0;                                      // too small: reads as zero
   } else if (error != std::errc()) {
-    return false;
+    return std::nullopt;
   }
-  value = negative ? -magnitude : magnitude;
-  return true;
+  return negative ? -magnitude : magnitude;
+}
+
+bool TryStrToFloat(StringView text, double& value, const TFormatSettings& settings) {
+  const auto read = ReadDecimalFloat(text, FloatBlanks::SpacesAndTabs, StringView(&settings.DecimalSeparator, 1));
+  if (read) value = *read;
+  return read.has_value();
 }
 
 double StrToFloat(StringView text, const TFormatSettings& settings) {

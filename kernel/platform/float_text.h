@@ -5,6 +5,8 @@
 // record (by default the global FormatSettings).
 #pragma once
 
+#include <optional>
+
 #include "kernel/platform/format_settings.h"
 #include "kernel/platform/string.h"
 
@@ -25,6 +27,14 @@ String FloatToStr(double value, const TFormatSettings& settings = FormatSettings
 // back with TryStrToFloat under settings whose DecimalSeparator is the dot, as the defaults are.
 // NaN and the infinities are "NAN", "INF" and "-INF".
 String FloatToStrUnformatted(double value);
+
+// The readers' one grammar: blanks around the number (spaces and tabs, or every code up to 32),
+// an optional sign, digits with at most one decimal separator (any character of `separators`;
+// at least one digit in all), an optional exponent (E or e, an optional sign and digits); or one
+// of the words INF, +INF, -INF and NAN in any case.  None when the text is no number or one too
+// large for a double; one too small reads as zero.
+enum class FloatBlanks { SpacesAndTabs, ControlsAndSpace };
+std::optional<double> ReadDecimalFloat(StringView text, FloatBlanks blanks, StringView separators);
 
 // Reads a decimal number: optional blanks, an optional sign, digits with at most one
 // DecimalSeparator (at least one digit in all), an optional exponent (E or e, an optional sign

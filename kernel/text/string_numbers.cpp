@@ -11,6 +11,7 @@
 #include <utility>
 
 #include "kernel/platform/exceptions.h"
+#include "kernel/platform/float_text.h"
 #include "kernel/platform/format_settings.h"
 #include "kernel/text/string_globals.h"
 
@@ -30,86 +31,14 @@ StringView TrimBlanks(StringView S) {
   return S;
 }
 
-bool IsDecimalSeparator(char16_t c) {
-  return c == FormatSettings.DecimalSeparator || (DotDecimalSeparator && (c == u'.' || c == u','));
-}
-
 String QuotedMessage(StringView S, StringView what) {
   return u"'" + String(S) + u"' is not a valid " + String(what) + u" value";
 }
 
-std::optional<double> ParseSpecialFloat(StringView text) {
-  if (SameText(text, u"NAN")) return std::nan("");
-  if (SameText(text, u"INF") || SameText(text, u"+INF")) return HUGE_VAL;
-  if (SameText(text, u"-INF")) return -HUGE_VAL;
-  return std::nullopt;
-}
-
 // The float S denotes, or none when S is not a valid number or too large for a double.
 std::optional<double> ParseFloat(StringView S) {
-  const StringView text = TrimBlanks(S);
-  if (auto special = ParseSpecialFloat(text)) return special;
-
-  // Validate the grammar and build the ASCII form that std::from_chars reads, with '.' as the
-  // separator whatever separator the text used.
-  std::string ascii;
-  size_t i = 0;
-  if (i < text.size() && (text[i] == u'+' || text[i] == u'-')) {
-    if (text[i] == u'-') ascii += '-';
-    ++i;
-  }
-  size_t mantissa_digits = 0;
-  int64_t integer_digits = 0;  // significant digits before the separator
-  int64_t fraction_zeros = 0;  // zeros after the separator before the first other digit
-  bool seen_separator = false;
-  bool seen_significant = false;
-  for (; i < text.size(); ++i) {
-    const char16_t c = text[i];
-    if (IsDigit(c)) {
-      ++mantissa_digits;
-      seen_significant = seen_significant || c != u'0';
-      if (!seen_separator && seen_significant) ++integer_digits;
-      if (seen_separator && !seen_significant) ++fraction_zeros;
-      ascii += char(c);
-    } else if (IsDecimalSeparator(c) && !seen_separator) {
-      seen_separator = true;
-      ascii += '.';
-    } else {
-      break;
-    }
-  }
-  if (mantissa_digits == 0) return std::nullopt;
-
-  int64_t exponent = 0;
-  if (i < text.size() && (text[i] == u'E' || text[i] == u'e')) {
-    ascii += 'e';
-    ++i;
-    bool negative = false;
-    if (i < text.size() && (text[i] == u'+' || text[i] == u'-')) {
-      negative = text[i] == u'-';
-      if (negative) ascii += '-';
-      ++i;
-    }
-    const size_t exponent_start = i;
-    for (; i < text.size() && IsDigit(text[i]); ++i) {
-      ascii += char(text[i]);
-      exponent = std::min<int64_t>(exponent * 10 + (text[i] - u'0'), int64_t{1} << 40);
-    }
-    if (i == exponent_start) return std::nullopt;
-    if (negative) exponent = -exponent;
-  }
-  if (i != text.size()) return std::nullopt;
-
-  double value = 0;
-  const auto [end, error] = std::from_chars(ascii.data(), ascii.data() + ascii.size(), value);
-  if (error == std::errc::result_out_of_range) {
-    // Out of range either way: the decimal magnitude tells overflow from underflow.
-    const int64_t magnitude = (integer_digits > 0 ? integer_digits : -fraction_zeros) + exponent;
-    if (magnitude > 0) return std::nullopt;
-    return ascii.front() == '-' ? -0.0 : 0.0;
-  }
-  if (error != std::errc() || end != ascii.data() + ascii.size()) return std::nullopt;
-  return value;
+  const char16_t separators[] = {FormatSettings.DecimalSeparator, u'.', u','};
+  return ReadDecimalFloat(S, FloatBlanks::ControlsAndSpace, StringView(separators, DotDecimalSeparator ? 3 : 1));
 }
 
 constexpr std::array<std::pair<int32_t, StringView>, 13> kRomanDigits{{
