@@ -9,6 +9,7 @@
 
 #include "kernel/platform/checked_arithmetic.h"
 #include "kernel/platform/exceptions.h"
+#include "kernel/platform/file_bytes.h"
 
 namespace veska {
 namespace {
@@ -123,8 +124,10 @@ void TMemoryStream::LoadFromStream(TStream& source) {
 }
 
 void TMemoryStream::LoadFromFile(const String& file_name) {
-  TFileStream file(file_name, TFileMode::fmOpenRead);
-  LoadFromStream(file);
+  const std::string bytes = ReadFileBytes(file_name);
+  const auto* first = reinterpret_cast<const std::byte*>(bytes.data());
+  data_.assign(first, first + bytes.size());
+  position_ = 0;
 }
 
 void TMemoryStream::SaveToStream(TStream& target) const { target.WriteBuffer(data_); }

@@ -1,10 +1,10 @@
 #include "kernel/text/parameter_reader.h"
 
-#include <fstream>
-#include <iterator>
 #include <string>
 #include <string_view>
-#include <system_error>
+
+#include "kernel/platform/exceptions.h"
+#include "kernel/platform/file_bytes.h"
 
 namespace veska {
 namespace {
@@ -65,17 +65,14 @@ void TCteniParametru::NovyText(StringView text) {
   error_ = false;
 }
 
-bool TCteniParametru::NactiSoubor(const std::filesystem::path& path) {
-  std::error_code error;
-  std::ifstream file;
-  if (std::filesystem::is_regular_file(path, error)) file.open(path, std::ios::binary);
-  const std::string bytes = file.is_open() ? std::string(std::istreambuf_iterator<char>(file), {}) : std::string();
-  if (!file.is_open() || file.bad()) {
+bool TCteniParametru::NactiSoubor(const String& file_name) {
+  try {
+    NovyText(DecodeFileText(ReadFileBytes(file_name)));
+    return true;
+  } catch (const EFOpenError&) {
     NovyText(u"");
     return false;
   }
-  NovyText(DecodeFileText(bytes));
-  return true;
 }
 
 bool TCteniParametru::DejRadek() {

@@ -20,7 +20,6 @@
 
 #include <cstddef>
 #include <cstdint>
-#include <filesystem>
 #include <optional>
 #include <vector>
 
@@ -47,7 +46,7 @@ class TCteniParametru {
   // Starts over with the text of a file, taken as UTF-8 when it starts with the UTF-8 byte-order
   // mark or is valid UTF-8, and as Windows-1250 otherwise.  A file that cannot be read gives
   // false and leaves an empty text.
-  bool NactiSoubor(const std::filesystem::path& path);
+  bool NactiSoubor(const String& file_name);
 
   // Moves to the next line that is neither empty nor a comment; false at the end of the text,
   // after which there is no current line.

@@ -308,10 +308,11 @@ TEST(ParameterReader, ParametersByName) {
 class ParameterFile : public testing::Test {
  protected:
   void TearDown() override { std::filesystem::remove(path_); }
-  const std::filesystem::path& Write(const std::string& bytes) {
+  String Write(const std::string& bytes) {
     std::ofstream(path_, std::ios::binary) << bytes;
-    return path_;
+    return Name();
   }
+  String Name() const { return FromUtf8(path_.string()); }
   std::filesystem::path path_ =
       std::filesystem::path(testing::TempDir()) /
       (std::string("veska_parameters_") + testing::UnitTest::GetInstance()->current_test_info()->name());
@@ -319,9 +320,9 @@ class ParameterFile : public testing::Test {
 
 TEST_F(ParameterFile, ReadsUtf8AndWindows1250FilesAndMissingOnesAsEmpty) {
   TCteniParametru missing(u"Old = 1");
-  EXPECT_FALSE(missing.NactiSoubor(path_));  // not written
+  EXPECT_FALSE(missing.NactiSoubor(Name()));  // not written
   EXPECT_FALSE(missing.DejRadek());
-  EXPECT_FALSE(missing.NactiSoubor(testing::TempDir()));
+  EXPECT_FALSE(missing.NactiSoubor(FromUtf8(testing::TempDir())));
   EXPECT_FALSE(missing.DejRadek());
 
   const String text = u"// popis\r\nNázev = 'Kůň'\r\nPočet = 3\r\n";
