@@ -139,14 +139,11 @@ void TVeskaInstance::GetPropertyValue(int index, TPropertyBuffer& buffer) const 
   const PropInfo* property = GetPropInfo(index);
   if (instance_ == nullptr || !property->CanRead()) return;
   const TElement& source = *instance_;
+  if (IsOrdinalKind(property->Kind())) {
+    buffer = static_cast<int32_t>(property->GetOrd(source));
+    return;
+  }
   switch (property->Kind()) {
-    case TTypeKind::tkInteger:
-    case TTypeKind::tkChar:
-    case TTypeKind::tkEnumeration:
-    case TTypeKind::tkSet:
-    case TTypeKind::tkWChar:
-      buffer = static_cast<int32_t>(property->GetOrd(source));
-      break;
     case TTypeKind::tkClass:
       buffer = ObjectHandles::HandleOf(property->GetObj(source));
       break;
@@ -177,14 +174,11 @@ void TVeskaInstance::SetPropertyValue(int index, const TPropertyBuffer& buffer) 
   const PropInfo* property = GetPropInfo(index);
   if (instance_ == nullptr || !property->CanWrite()) return;
   TElement& target = *instance_;
+  if (IsOrdinalKind(property->Kind())) {
+    if (auto* value = std::get_if<int32_t>(&buffer)) property->SetOrd(target, *value);
+    return;
+  }
   switch (property->Kind()) {
-    case TTypeKind::tkInteger:
-    case TTypeKind::tkChar:
-    case TTypeKind::tkEnumeration:
-    case TTypeKind::tkSet:
-    case TTypeKind::tkWChar:
-      if (auto* value = std::get_if<int32_t>(&buffer)) property->SetOrd(target, *value);
-      break;
     case TTypeKind::tkClass:
       if (auto* value = std::get_if<int32_t>(&buffer)) property->SetObj(target, ObjectHandles::ObjectOf(*value));
       break;

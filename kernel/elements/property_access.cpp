@@ -44,11 +44,6 @@ String OrdinalText(const TObject& object, const PropInfo& property) {
   }
 }
 
-bool IsOrdinalKind(TTypeKind kind) {
-  return kind == TTypeKind::tkInteger || kind == TTypeKind::tkChar || kind == TTypeKind::tkEnumeration ||
-         kind == TTypeKind::tkSet || kind == TTypeKind::tkWChar;
-}
-
 const PropInfo* PropertyAt(const TObject* object, int index) {
   if (object == nullptr || index < 0 || index >= object->ClassType().PropCount()) return nullptr;
   return object->ClassType().Properties()[static_cast<std::size_t>(index)];

@@ -47,6 +47,12 @@ enum class TTypeKind : uint8_t {
 };
 inline constexpr int kTypeKindCount = 22;
 
+// The kinds whose values are 32-bit ordinals: integer, char, enumeration, set and wide char.
+constexpr bool IsOrdinalKind(TTypeKind kind) {
+  return kind == TTypeKind::tkInteger || kind == TTypeKind::tkChar || kind == TTypeKind::tkEnumeration ||
+         kind == TTypeKind::tkSet || kind == TTypeKind::tkWChar;
+}
+
 // The name of a kind as the platform spelled it ("tkInteger", ...); "tkUnknown" out of range.
 StringView TypeKindName(TTypeKind kind);
 

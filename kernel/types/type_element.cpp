@@ -28,8 +28,10 @@ uint8_t TTypeElement::GetAsByte() const { return 0; }
 void TTypeElement::SetAsByte(uint8_t) {}
 int32_t TTypeElement::GetAsInteger() const { return 0; }
 void TTypeElement::SetAsInteger(int32_t) {}
-NativeInt TTypeElement::GetAsNativeInt() const { return 0; }
-void TTypeElement::SetAsNativeInt(NativeInt) {}
+// The native view is the integer view widened: a class that converts to and from integers gets
+// it with no code of its own.
+NativeInt TTypeElement::GetAsNativeInt() const { return GetAsInteger(); }
+void TTypeElement::SetAsNativeInt(NativeInt value) { SetAsInteger(value); }
 char16_t TTypeElement::GetAsChar() const { return 0; }
 void TTypeElement::SetAsChar(char16_t) {}
 String TTypeElement::GetAsString() const { return {}; }

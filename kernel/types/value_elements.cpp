@@ -79,8 +79,6 @@ void TCharElement::SetAsInteger(int32_t value) {
   if (value >= 1 && value <= 255) value_ = static_cast<char16_t>(value);
 }
 
-NativeInt TCharElement::GetAsNativeInt() const { return GetAsInteger(); }
-void TCharElement::SetAsNativeInt(NativeInt value) { SetAsInteger(value); }
 char16_t TCharElement::GetAsChar() const { return value_; }
 void TCharElement::SetAsChar(char16_t value) { value_ = value; }
 String TCharElement::GetAsString() const { return String(1, value_); }
@@ -110,8 +108,6 @@ void TByteElement::SetAsInteger(int32_t value) {
   if (std::in_range<uint8_t>(value)) value_ = static_cast<uint8_t>(value);
 }
 
-NativeInt TByteElement::GetAsNativeInt() const { return GetAsInteger(); }
-void TByteElement::SetAsNativeInt(NativeInt value) { SetAsInteger(value); }
 char16_t TByteElement::GetAsChar() const { return value_; }
 void TByteElement::SetAsChar(char16_t value) { value_ = CheckedRange<uint8_t>(static_cast<int32_t>(value)); }
 String TByteElement::GetAsString() const { return IntToStr(value_); }
@@ -146,8 +142,6 @@ TDateTime TFloatElement::GetAsDateTime() const { return value_; }
 void TFloatElement::SetAsDateTime(TDateTime value) { value_ = value; }
 int32_t TFloatElement::GetAsInteger() const { return TruncatedInto<int32_t>(value_).value_or(0); }
 void TFloatElement::SetAsInteger(int32_t value) { value_ = value; }
-NativeInt TFloatElement::GetAsNativeInt() const { return GetAsInteger(); }
-void TFloatElement::SetAsNativeInt(NativeInt value) { SetAsInteger(value); }
 String TFloatElement::GetAsString() const { return FloatToStrUnformatted(value_); }
 
 void TFloatElement::SetAsString(const String& value) {
@@ -173,8 +167,6 @@ TType TStringElement::GetType() const { return TType::_String; }
 String TStringElement::GetTypeAsString() const { return u"string"; }
 int32_t TStringElement::GetAsInteger() const { return TryStrToLongInt(value_).value_or(0); }
 void TStringElement::SetAsInteger(int32_t value) { value_ = IntToStr(value); }
-NativeInt TStringElement::GetAsNativeInt() const { return GetAsInteger(); }
-void TStringElement::SetAsNativeInt(NativeInt value) { SetAsInteger(value); }
 String TStringElement::GetAsString() const { return value_; }
 void TStringElement::SetAsString(const String& value) { value_ = value; }
 double TStringElement::GetAsFloat() const { return StringIsFloat(value_) ? StrToExtended(value_) : 0.0; }
@@ -243,8 +235,6 @@ uint8_t TIntegerElement::GetAsByte() const { return std::in_range<uint8_t>(value
 void TIntegerElement::SetAsByte(uint8_t value) { value_ = value; }
 int32_t TIntegerElement::GetAsInteger() const { return value_; }
 void TIntegerElement::SetAsInteger(int32_t value) { value_ = value; }
-NativeInt TIntegerElement::GetAsNativeInt() const { return value_; }
-void TIntegerElement::SetAsNativeInt(NativeInt value) { value_ = value; }
 String TIntegerElement::GetAsString() const { return IntToStr(value_); }
 
 void TIntegerElement::SetAsString(const String& value) {
@@ -278,8 +268,6 @@ String TPointerElement::GetTypeAsString() const { return u"pointer"; }
 // Resolved afresh, so a reference to an object that has gone reads as 0.
 int32_t TPointerElement::GetAsInteger() const { return ObjectHandles::HandleOf(GetAsPointer()); }
 void TPointerElement::SetAsInteger(int32_t value) { SetAsPointer(ObjectHandles::ObjectOf(value)); }
-NativeInt TPointerElement::GetAsNativeInt() const { return GetAsInteger(); }
-void TPointerElement::SetAsNativeInt(NativeInt value) { SetAsInteger(value); }
 String TPointerElement::GetAsString() const { return IntToStr(GetAsInteger()); }
 void TPointerElement::SetAsString(const String& value) {
   if (auto number = TryStrToLongInt(value)) SetAsInteger(*number);
@@ -317,8 +305,6 @@ int32_t TDateTimeElement::GetAsInteger() const {
 }
 
 void TDateTimeElement::SetAsInteger(int32_t value) { value_ = value; }
-NativeInt TDateTimeElement::GetAsNativeInt() const { return GetAsInteger(); }
-void TDateTimeElement::SetAsNativeInt(NativeInt value) { SetAsInteger(value); }
 String TDateTimeElement::GetAsString() const { return DateTimeToStr(value_); }
 
 void TDateTimeElement::SetAsString(const String& value) {

@@ -50,8 +50,6 @@ class TCharElement : public TTypeElement {
   // Codes 1 to 255 set the character; any other number is ignored.
   int32_t GetAsInteger() const override;
   void SetAsInteger(int32_t value) override;
-  NativeInt GetAsNativeInt() const override;
-  void SetAsNativeInt(NativeInt value) override;
   char16_t GetAsChar() const override;
   void SetAsChar(char16_t value) override;
   // The first character of the text; an empty text changes nothing.
@@ -79,8 +77,6 @@ class TByteElement : public TTypeElement {
   // Numbers outside 0..255 are ignored.
   int32_t GetAsInteger() const override;
   void SetAsInteger(int32_t value) override;
-  NativeInt GetAsNativeInt() const override;
-  void SetAsNativeInt(NativeInt value) override;
   // A code above 255 raises ERangeError.
   char16_t GetAsChar() const override;
   void SetAsChar(char16_t value) override;
@@ -114,8 +110,6 @@ class TFloatElement : public TTypeElement {
   // Truncated toward zero; 0 when that does not fit in 32 bits.
   int32_t GetAsInteger() const override;
   void SetAsInteger(int32_t value) override;
-  NativeInt GetAsNativeInt() const override;
-  void SetAsNativeInt(NativeInt value) override;
   // The unformatted scientific form (FloatToStrUnformatted); read back by StrToExtended.
   String GetAsString() const override;
   void SetAsString(const String& value) override;
@@ -148,8 +142,6 @@ class TStringElement : public TTypeElement {
   // The text as a whole decimal number, 0 when it is not one; written as decimal text.
   int32_t GetAsInteger() const override;
   void SetAsInteger(int32_t value) override;
-  NativeInt GetAsNativeInt() const override;
-  void SetAsNativeInt(NativeInt value) override;
   String GetAsString() const override;
   void SetAsString(const String& value) override;
   // StrToExtended of the text, 0 when it is not a number; written in the general float form.
@@ -209,8 +201,6 @@ class TIntegerElement : public TTypeElement {
   void SetAsByte(uint8_t value) override;
   int32_t GetAsInteger() const override;
   void SetAsInteger(int32_t value) override;
-  NativeInt GetAsNativeInt() const override;
-  void SetAsNativeInt(NativeInt value) override;
   // A whole decimal number; other text is ignored.
   String GetAsString() const override;
   void SetAsString(const String& value) override;
@@ -247,8 +237,6 @@ class TPointerElement : public TTypeElement {
   // The reference as its handle number.
   int32_t GetAsInteger() const override;
   void SetAsInteger(int32_t value) override;
-  NativeInt GetAsNativeInt() const override;
-  void SetAsNativeInt(NativeInt value) override;
   // The handle as signed decimal text; text that is not a number sets none.
   String GetAsString() const override;
   void SetAsString(const String& value) override;
@@ -284,8 +272,6 @@ class TDateTimeElement : public TTypeElement {
   // Truncated toward zero; ERangeError when the day count does not fit in 32 bits.
   int32_t GetAsInteger() const override;
   void SetAsInteger(int32_t value) override;
-  NativeInt GetAsNativeInt() const override;
-  void SetAsNativeInt(NativeInt value) override;
   // The locale date-and-time text.  Written: ISO 8601 (kept as UTC), else the locale form,
   // else the value becomes 0.
   String GetAsString() const override;
