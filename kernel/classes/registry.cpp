@@ -13,7 +13,7 @@ namespace veska {
 // --- TVeskaClassProperty --------------------------------------------------------------------
 
 void TVeskaClassProperty::Publish(Publisher<TVeskaClassProperty>& p) {
-  p.Property(u"PropIndex", &TVeskaClassProperty::PropIndex, &TVeskaClassProperty::PropIndex);
+  p.Field(u"PropIndex", &TVeskaClassProperty::PropIndex);
   p.Property(u"LostProperty", &TVeskaClassProperty::LostProperty, &TVeskaClassProperty::SetLostProperty);
   p.Property(u"LostTypeKind", &TVeskaClassProperty::LostTypeKind, &TVeskaClassProperty::SetLostTypeKind);
   p.Property(u"TypeMishmash", &TVeskaClassProperty::TypeMishmash, &TVeskaClassProperty::SetTypeMishmash);
@@ -221,7 +221,7 @@ TElement* TVeskaInstance::CreateInstanceCopy() const {
 // --- TVeskaClasses --------------------------------------------------------------------------
 
 void TVeskaClasses::Publish(Publisher<TVeskaClasses>& p) {
-  p.Property(u"ShowProperties", &TVeskaClasses::ShowProperties, &TVeskaClasses::ShowProperties);
+  p.Field(u"ShowProperties", &TVeskaClasses::ShowProperties);
   p.Property(u"SortByName", &TVeskaClasses::SortByName, &TVeskaClasses::SetSortByName);
 }
 

@@ -11,10 +11,13 @@
 
 namespace veska {
 
+// The unit of the class registry's own classes.
+inline constexpr std::u16string_view kRegistryUnit = u"E_class";
+
 // One published property of a class, as the registry shows it and as the stream loader relates
 // a property declared in a file to the property of the class as it is now.
 class TVeskaClassProperty : public TNameElement {
-  VESKA_CLASS(TVeskaClassProperty, TNameElement, u"E_class")
+  VESKA_CLASS(TVeskaClassProperty, TNameElement, kRegistryUnit)
  public:
   const PropInfo* GetPropInfo() const { return prop_info_; }
   // Stores the property record and takes its name.
@@ -41,7 +44,7 @@ class TVeskaClassProperty : public TNameElement {
 
 // One registered class: the element class and its property table.
 class TVeskaClass : public TOwnerEntity {
-  VESKA_CLASS(TVeskaClass, TOwnerEntity, u"E_class")
+  VESKA_CLASS(TVeskaClass, TOwnerEntity, kRegistryUnit)
  public:
   virtual bool GetPropertyStored(int index) const;
   // Rebuilds the children: one TVeskaClassProperty per published property.
@@ -94,7 +97,7 @@ using TPropertyBuffer = std::variant<std::monostate, int32_t, double, String, TM
 // A class record bound to one element, through which that element's properties are read and
 // written by index.  It does not own the element.
 class TVeskaInstance : public TVeskaClass {
-  VESKA_CLASS(TVeskaInstance, TVeskaClass, u"E_class")
+  VESKA_CLASS(TVeskaInstance, TVeskaClass, kRegistryUnit)
  public:
   TElement* Instance() const { return instance_; }
   void SetInstance(TElement* element);
@@ -112,7 +115,7 @@ class TVeskaInstance : public TVeskaClass {
 
 // The registry: class records kept sorted by name (case ignored).
 class TVeskaClasses : public TOwnerEntity {
-  VESKA_CLASS(TVeskaClasses, TOwnerEntity, u"E_class")
+  VESKA_CLASS(TVeskaClasses, TOwnerEntity, kRegistryUnit)
  public:
   virtual void AddVeskaClass(TVeskaClass* record);
   virtual void AddClass(const ClassInfo& element_class);
@@ -157,7 +160,7 @@ class TVeskaClasses : public TOwnerEntity {
 };
 
 // The classes the registry unit registers at start-up, in registration order.
-inline constexpr UnitClasses kRegistryUnitClasses{u"E_class",
+inline constexpr UnitClasses kRegistryUnitClasses{kRegistryUnit,
                                                   ClassListOf<TVeskaClass, TVeskaClasses, TVeskaClassProperty>};
 
 // The start-up sequence: what registers the library's units in the new registry.  The start-up
@@ -174,7 +177,7 @@ void InstallStartUpSequence(StartUpSequence sequence);
 TVeskaClasses& VeskaClasses();
 
 void RegisterVeskaClass(const ClassInfo& element_class);
-template <class T>
+template <RunTimeClass T>
 void RegisterVeskaClass() {
   RegisterVeskaClass(T::StaticClassInfo());
 }

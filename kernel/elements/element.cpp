@@ -26,7 +26,7 @@ void ResetBaseID() {
 }
 
 void TElement::Publish(Publisher<TElement>& p) {
-  p.Property(u"ID", &TElement::ID, &TElement::ID).Default(-1);
+  p.Field(u"ID", &TElement::ID).Default(-1);
   p.Property(u"Name", &TElement::GetName, &TElement::SetName).Stored(&TElement::StoreName);
   p.Property(u"OwnersCount", &TElement::GetOwnersCount).Stored(false);
   p.Property(u"Size", &TElement::GetInstanceSize).Stored(false);

@@ -9,6 +9,9 @@
 
 namespace veska {
 
+// The unit the element classes belong to, as their class records show it.
+inline constexpr std::u16string_view kElementsUnit = u"Elements";
+
 class TEntity;
 class TElement;
 class TReader;
@@ -28,7 +31,7 @@ inline bool Life_Cycle_Watch = false;
 inline TDateTime Life_Cycle_WatchTime = 0;
 
 class TElement : public TPersistent {
-  VESKA_CLASS(TElement, TPersistent, u"Elements")
+  VESKA_CLASS(TElement, TPersistent, kElementsUnit)
  public:
   // The number under which the element is streamed, and the visit mark of walks; -1 when new.
   int32_t ID = -1;

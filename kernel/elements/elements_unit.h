@@ -10,7 +10,7 @@
 namespace veska {
 
 inline constexpr UnitClasses kElementsUnitClasses{
-    u"Elements", ClassListOf<TElement, TNameElement, TOwnerElement, TEntity, TNameEntity, TOwnerEntity, TEnvelopeEntity,
-                             TQuickEntity, TVeskaMessage, TStringEntity, TYouShallNotPass>};
+    kElementsUnit, ClassListOf<TElement, TNameElement, TOwnerElement, TEntity, TNameEntity, TOwnerEntity,
+                               TEnvelopeEntity, TQuickEntity, TVeskaMessage, TStringEntity, TYouShallNotPass>};
 
 }  // namespace veska

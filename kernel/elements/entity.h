@@ -11,7 +11,7 @@
 namespace veska {
 
 class TEntity : public TElement {
-  VESKA_CLASS(TEntity, TElement, u"Elements")
+  VESKA_CLASS(TEntity, TElement, kElementsUnit)
  public:
   TEntity() = default;
   ~TEntity() override;
@@ -103,7 +103,7 @@ class TEntity : public TElement {
 };
 
 class TQuickEntity : public TEntity {
-  VESKA_CLASS(TQuickEntity, TEntity, u"Elements")
+  VESKA_CLASS(TQuickEntity, TEntity, kElementsUnit)
  public:
   void AddElement(TElement* element) override;
   void InsertElement(int index, TElement* element) override;
@@ -114,7 +114,7 @@ class TQuickEntity : public TEntity {
 };
 
 class TEnvelopeEntity : public TEntity {
-  VESKA_CLASS(TEnvelopeEntity, TEntity, u"Elements")
+  VESKA_CLASS(TEnvelopeEntity, TEntity, kElementsUnit)
  public:
   TEntity* Owner() const { return owner_; }
   void SetOwner(TEntity* owner) { owner_ = owner; }

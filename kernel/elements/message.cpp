@@ -21,12 +21,12 @@ void Deliver(TVeskaMessage* message, bool post) {
 }  // namespace
 
 void TVeskaMessage::Publish(Publisher<TVeskaMessage>& p) {
-  p.Property(u"Sender", &TVeskaMessage::Sender, &TVeskaMessage::Sender);
-  p.Property(u"Receiver", &TVeskaMessage::Receiver, &TVeskaMessage::Receiver);
-  p.Property(u"Message", &TVeskaMessage::Message, &TVeskaMessage::Message);
-  p.Property(u"Data", &TVeskaMessage::Data, &TVeskaMessage::Data);
-  p.Property(u"KillData", &TVeskaMessage::KillData, &TVeskaMessage::KillData).Default(0);
-  p.Property(u"Time", &TVeskaMessage::Time, &TVeskaMessage::Time);
+  p.Field(u"Sender", &TVeskaMessage::Sender);
+  p.Field(u"Receiver", &TVeskaMessage::Receiver);
+  p.Field(u"Message", &TVeskaMessage::Message);
+  p.Field(u"Data", &TVeskaMessage::Data);
+  p.Field(u"KillData", &TVeskaMessage::KillData).Default(0);
+  p.Field(u"Time", &TVeskaMessage::Time);
   p.WriteOnly(u"PostIt", &TVeskaMessage::DoPostIt);
   p.WriteOnly(u"SendIt", &TVeskaMessage::DoSendIt);
 }
@@ -60,7 +60,7 @@ void TVeskaMessage::DoSendIt(int32_t message) {
 
 TVeskaMessage* TVeskaMessage::FromWindowMessage(uint32_t msg, uintptr_t wparam, intptr_t lparam) {
   if (msg != kVeskaWindowMessage || wparam != kVeskaMessageWParam) return nullptr;
-  return dynamic_cast<TVeskaMessage*>(ObjectHandles::ObjectOf(lparam));
+  return ObjectAs<TVeskaMessage>(ObjectHandles::ObjectOf(lparam));
 }
 
 TVeskaTextMessage::~TVeskaTextMessage() = default;

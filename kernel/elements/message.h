@@ -17,7 +17,7 @@ inline constexpr int32_t tm_Done = 3;
 inline constexpr int32_t tm_Text = 8;
 
 class TVeskaMessage : public TElement {
-  VESKA_CLASS(TVeskaMessage, TElement, u"Elements")
+  VESKA_CLASS(TVeskaMessage, TElement, kElementsUnit)
  public:
   TVeskaMessage();
   // Deliberately, kill_data is not stored: a new message never frees its data until the
@@ -47,7 +47,7 @@ class TVeskaMessage : public TElement {
 };
 
 class TVeskaTextMessage : public TVeskaMessage {
-  VESKA_CLASS(TVeskaTextMessage, TVeskaMessage, u"Elements")
+  VESKA_CLASS(TVeskaTextMessage, TVeskaMessage, kElementsUnit)
  public:
   using TVeskaMessage::TVeskaMessage;
   ~TVeskaTextMessage() override;
@@ -65,7 +65,7 @@ class TVeskaTextMessage : public TVeskaMessage {
 
 // The closing marker of a model stream.
 class TYouShallNotPass : public TElement {
-  VESKA_CLASS(TYouShallNotPass, TElement, u"Elements")
+  VESKA_CLASS(TYouShallNotPass, TElement, kElementsUnit)
 };
 
 }  // namespace veska

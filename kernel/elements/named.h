@@ -69,13 +69,13 @@ extern template class WithName<TElement>;
 extern template class WithName<TEntity>;
 
 class TNameElement : public WithName<TElement> {
-  VESKA_CLASS(TNameElement, TElement, u"Elements")
+  VESKA_CLASS(TNameElement, WithName<TElement>, kElementsUnit)
  public:
   int32_t GetInstanceSize() const override;
 };
 
 class TOwnerElement : public WithOwners<TNameElement> {
-  VESKA_CLASS(TOwnerElement, TNameElement, u"Elements")
+  VESKA_CLASS(TOwnerElement, WithOwners<TNameElement>, kElementsUnit)
  public:
   ~TOwnerElement() override;
 
@@ -85,13 +85,13 @@ class TOwnerElement : public WithOwners<TNameElement> {
 };
 
 class TNameEntity : public WithName<TEntity> {
-  VESKA_CLASS(TNameEntity, TEntity, u"Elements")
+  VESKA_CLASS(TNameEntity, WithName<TEntity>, kElementsUnit)
  public:
   int32_t GetInstanceSize() const override;
 };
 
 class TOwnerEntity : public WithOwners<TNameEntity> {
-  VESKA_CLASS(TOwnerEntity, TNameEntity, u"Elements")
+  VESKA_CLASS(TOwnerEntity, WithOwners<TNameEntity>, kElementsUnit)
  public:
   ~TOwnerEntity() override;
 
@@ -107,7 +107,7 @@ class TOwnerEntity : public WithOwners<TNameEntity> {
 };
 
 class TAliasElement : public TOwnerElement {
-  VESKA_CLASS(TAliasElement, TOwnerElement, u"Elements")
+  VESKA_CLASS(TAliasElement, TOwnerElement, kElementsUnit)
  public:
   TElement* Target() const { return target_; }
   void SetTarget(TElement* target) { target_ = target; }
@@ -118,14 +118,14 @@ class TAliasElement : public TOwnerElement {
 
 // An entity of alias elements: names that stand for other elements.
 class TAliases : public TEntity {
-  VESKA_CLASS(TAliases, TEntity, u"Elements")
+  VESKA_CLASS(TAliases, TEntity, kElementsUnit)
  public:
   TElement* GetAlias(const String& name);
   void SetAlias(const String& name, TElement* element);
 };
 
 class TStringEntity : public TOwnerEntity {
-  VESKA_CLASS(TStringEntity, TOwnerEntity, u"Elements")
+  VESKA_CLASS(TStringEntity, TOwnerEntity, kElementsUnit)
  public:
   String Value;
   void SetValue(const String& value) { Value = value; }

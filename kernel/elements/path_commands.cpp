@@ -85,7 +85,7 @@ class PathWalk {
   // Word "(" Argument ")" [ignored text] "." — or, for the element operation, the end of the
   // command.  Moves to the search result; true when the search ends the walk.
   bool SearchStep(const String& word) {
-    auto* entity = dynamic_cast<TEntity*>(current_);
+    auto* entity = ObjectAs<TEntity>(current_);
     if (entity == nullptr) {
       // pos_ is just past "(", so pos_ - 2 is the character before it.
       throw Exception(u"Objekt na pozici " + IntToStr(pos_ - 2) + u" není Entita ... nelze prohledávat");
@@ -114,10 +114,9 @@ class PathWalk {
 
   // "ELEMENT" "." Property, which must close the command: that property of every member.
   PathEnd ListStep() {
-    if (dynamic_cast<TEntity*>(current_) == nullptr) {
-      throw Exception(dynamic_cast<TElement*>(current_) != nullptr
-                          ? u"Poslední objekt není Entita - nelze vytvořit seznam !"
-                          : u"Poslední objekt není ani Element, natož Entita !");
+    if (ObjectAs<TEntity>(current_) == nullptr) {
+      throw Exception(ObjectAs<TElement>(current_) != nullptr ? u"Poslední objekt není Entita - nelze vytvořit seznam !"
+                                                              : u"Poslední objekt není ani Element, natož Entita !");
     }
     char16_t delimiter = kEndOfCommand;
     String property = ReadToken(delimiter);
@@ -133,7 +132,7 @@ class PathWalk {
 
 // A property as text: an element answers through its own (overridable) by-name read.
 String PropertyText(const TObject& object, const String& name) {
-  if (auto* element = dynamic_cast<const TElement*>(&object)) return element->GetPropertyStringByName(name);
+  if (object.Is<TElement>()) return static_cast<const TElement&>(object).GetPropertyStringByName(name);
   return GetPropStringByName(&object, name);
 }
 

@@ -5,7 +5,7 @@
 // the builder are in publisher.h):
 //
 //   class TStringEntity : public TOwnerEntity {
-//     VESKA_CLASS(TStringEntity, TOwnerEntity, u"Elements")
+//     VESKA_CLASS(TStringEntity, TOwnerEntity, kElementsUnit)
 //    public:
 //     String Value;
 //     void SetValue(const String& v) { Value = v; }
@@ -32,8 +32,14 @@ namespace veska {
 
 class ClassInfo;
 
+// A class that declared its own run-time class (VESKA_CLASS).  A class that forgot would pass
+// for its parent: every template that takes a class as a run-time class requires this.
+template <class T>
+concept RunTimeClass = std::is_same_v<typename T::VeskaDeclaredClass, std::remove_cv_t<T>>;
+
 class TObject {
  public:
+  using VeskaDeclaredClass = TObject;
   static constexpr std::u16string_view StaticClassName = u"TObject";
   static constexpr std::u16string_view StaticUnitName = u"System";
   static const ClassInfo& StaticClassInfo();
@@ -48,6 +54,7 @@ class TObject {
   bool InheritsFrom(const ClassInfo& ancestor) const;
   template <class T>
   bool Is() const {
+    static_assert(RunTimeClass<T>, "this class does not declare its run-time class with VESKA_CLASS");
     return InheritsFrom(T::StaticClassInfo());
   }
   // Destroys the object, as the platform's Free did.
@@ -73,6 +80,7 @@ T* CreateObjectAs(const ClassInfo& cls);
 // The persistent base of the platform: TObject with the assignment protocol.
 class TPersistent : public TObject {
  public:
+  using VeskaDeclaredClass = TPersistent;
   static constexpr std::u16string_view StaticClassName = u"TPersistent";
   static constexpr std::u16string_view StaticUnitName = u"Classes";
   static const ClassInfo& StaticClassInfo();
@@ -128,6 +136,7 @@ class ClassInfo {
 
 template <class T>
 T* CreateObjectAs(const ClassInfo& cls) {
+  static_assert(RunTimeClass<T>, "this class does not declare its run-time class with VESKA_CLASS");
   if (!cls.InheritsFrom(T::StaticClassInfo())) return nullptr;
   return static_cast<T*>(cls.Create());
 }

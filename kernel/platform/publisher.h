@@ -2,7 +2,7 @@
 // (fields, getter and setter methods) and the kind of each is deduced from its C++ type.
 //
 //   static void Publish(Publisher<TElement>& p) {
-//     p.Property(u"ID", &TElement::ID, &TElement::ID).Default(-1);
+//     p.Field(u"ID", &TElement::ID).Default(-1);                       // a read-write field
 //     p.Property(u"Name", &TElement::GetName, &TElement::SetName).Stored(&TElement::StoreName);
 //     p.Property(u"Size", &TElement::GetInstanceSize).Stored(false);   // read-only
 //     p.WriteOnly(u"NextElement", &TEntity::AddElement);                // write-only
@@ -188,6 +188,12 @@ class Publisher {
     return Add<V>(name, getter, setter, detail::MemberTraits<Getter>::Access, detail::MemberTraits<Setter>::Access);
   }
 
+  // A field read and written directly.
+  template <class V, class Base>
+  PropertyBuilder Field(StringView name, V Base::*field) {
+    return Property(name, field, field);
+  }
+
   // A read-only property.
   template <class Getter>
   PropertyBuilder Property(StringView name, Getter getter) {
@@ -242,22 +248,30 @@ constexpr ClassInfo::Factory FactoryOf() {
 
 }  // namespace detail
 
-// The ClassInfo of T, built on first use.
+// The ClassInfo of T, built on first use.  T must declare its own class, and the parent it
+// names must be a base of it (see RunTimeClass).
 template <class T>
 const ClassInfo& ClassInfoOf() {
+  static_assert(std::is_base_of_v<typename T::inherited, T>,
+                "the parent named in VESKA_CLASS is not a base of the class");
   static const ClassInfo info(T::StaticClassName, &T::inherited::StaticClassInfo(), T::StaticUnitName, sizeof(T),
                               detail::FactoryOf<T>(), &detail::PublishClass<T>);
   return info;
 }
 
-// Declares the run-time class of a TObject descendant: its name, parent and unit.  The one
-// macro of the object model, because the class name must be both a type and a text.
+// Declares the run-time class of a TObject descendant: its name, its parent (the base class it
+// derives from; a helper base between the two declared classes is named as it stands) and its
+// unit.  The one macro of the object model, because the class name must be both a type and a
+// text.  It leaves the access at private, as a class body starts.
 #define VESKA_CLASS(Class, Parent, Unit)                                                       \
  public:                                                                                       \
   using inherited = Parent;                                                                    \
+  using VeskaDeclaredClass = Class;                                                            \
   static constexpr std::u16string_view StaticClassName = u## #Class;                           \
   static constexpr std::u16string_view StaticUnitName = Unit;                                  \
   static const ::veska::ClassInfo& StaticClassInfo() { return ::veska::ClassInfoOf<Class>(); } \
-  const ::veska::ClassInfo& ClassType() const override { return StaticClassInfo(); }
+  const ::veska::ClassInfo& ClassType() const override { return StaticClassInfo(); }           \
+                                                                                               \
+ private:
 
 }  // namespace veska

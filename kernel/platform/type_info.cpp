@@ -6,7 +6,7 @@ namespace veska {
 StringView TypeKindName(TTypeKind kind) {
   constexpr auto& names = EnumNames<TTypeKind>::Names;
   const auto index = static_cast<std::size_t>(kind);
-  return index < names.size() ? names[index] : names[0];
+  return index < names.size() ? names[index].Name : names[0].Name;
 }
 
 String GetEnumName(const TypeInfo& type, int64_t ordinal) {

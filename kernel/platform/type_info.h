@@ -111,12 +111,31 @@ class TSet {
   uint32_t mask_ = 0;
 };
 
-// The value names of a C++ enumeration published as kind 3.  Specialise it next to the enum:
+// One value of a published enumeration and its name.
+template <class Enum>
+struct EnumName {
+  Enum Value;
+  std::u16string_view Name;
+};
+
+// Whether the table names the enumerators 0, 1, 2, ... in order, each once.
+template <class Enum, std::size_t N>
+constexpr bool NamesFollowEnumerators(const std::array<EnumName<Enum>, N>& names) {
+  for (std::size_t i = 0; i < N; ++i) {
+    if (static_cast<std::size_t>(names[i].Value) != i) return false;
+  }
+  return true;
+}
+
+// The value names of a C++ enumeration published as kind 3.  Specialise it next to the enum,
+// each name beside its enumerator, so that a name cannot drift from its value:
 //   template <> struct EnumNames<TColorKind> {
 //     static constexpr std::u16string_view TypeName = u"TColorKind";
-//     static constexpr std::array<std::u16string_view, 2> Names{u"ckRed", u"ckBlue"};
+//     static constexpr std::array Names{EnumName{TColorKind::ckRed, u"ckRed"},
+//                                       EnumName{TColorKind::ckBlue, u"ckBlue"}};
 //   };
-// The enumerators must be numbered 0, 1, 2, ... in the order of the names.
+// Publishing the enumeration checks, at compile time, that the table follows the enumerators
+// 0, 1, 2, ... in order.
 template <class Enum>
 struct EnumNames;
 
@@ -130,12 +149,21 @@ concept PublishedEnum = std::is_enum_v<T> && requires {
 template <>
 struct EnumNames<TTypeKind> {
   static constexpr std::u16string_view TypeName = u"TTypeKind";
-  static constexpr std::array<std::u16string_view, kTypeKindCount> Names{
-      u"tkUnknown", u"tkInteger",  u"tkChar",    u"tkEnumeration", u"tkFloat",   u"tkString",
-      u"tkSet",     u"tkClass",    u"tkMethod",  u"tkWChar",       u"tkLString", u"tkWString",
-      u"tkVariant", u"tkArray",    u"tkRecord",  u"tkInterface",   u"tkInt64",   u"tkDynArray",
-      u"tkUString", u"tkClassRef", u"tkPointer", u"tkProcedure"};
+  static constexpr std::array Names{
+      EnumName{TTypeKind::tkUnknown, u"tkUnknown"}, EnumName{TTypeKind::tkInteger, u"tkInteger"},
+      EnumName{TTypeKind::tkChar, u"tkChar"},       EnumName{TTypeKind::tkEnumeration, u"tkEnumeration"},
+      EnumName{TTypeKind::tkFloat, u"tkFloat"},     EnumName{TTypeKind::tkString, u"tkString"},
+      EnumName{TTypeKind::tkSet, u"tkSet"},         EnumName{TTypeKind::tkClass, u"tkClass"},
+      EnumName{TTypeKind::tkMethod, u"tkMethod"},   EnumName{TTypeKind::tkWChar, u"tkWChar"},
+      EnumName{TTypeKind::tkLString, u"tkLString"}, EnumName{TTypeKind::tkWString, u"tkWString"},
+      EnumName{TTypeKind::tkVariant, u"tkVariant"}, EnumName{TTypeKind::tkArray, u"tkArray"},
+      EnumName{TTypeKind::tkRecord, u"tkRecord"},   EnumName{TTypeKind::tkInterface, u"tkInterface"},
+      EnumName{TTypeKind::tkInt64, u"tkInt64"},     EnumName{TTypeKind::tkDynArray, u"tkDynArray"},
+      EnumName{TTypeKind::tkUString, u"tkUString"}, EnumName{TTypeKind::tkClassRef, u"tkClassRef"},
+      EnumName{TTypeKind::tkPointer, u"tkPointer"}, EnumName{TTypeKind::tkProcedure, u"tkProcedure"}};
 };
+static_assert(NamesFollowEnumerators(EnumNames<TTypeKind>::Names) &&
+              EnumNames<TTypeKind>::Names.size() == kTypeKindCount);
 
 // What the platform knew of a type: kind, name, ordinal range, value names, referenced class.
 struct TypeInfo {

@@ -19,7 +19,7 @@ struct UnitClasses {
   std::span<const ClassInfoSource> classes;
 };
 
-template <class... Classes>
+template <RunTimeClass... Classes>
 inline constexpr std::array<ClassInfoSource, sizeof...(Classes)> ClassListOf = {&Classes::StaticClassInfo...};
 
 }  // namespace veska

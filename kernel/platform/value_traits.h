@@ -126,11 +126,13 @@ struct ValueTraits<char16_t> {
 template <PublishedEnum Enum>
 struct ValueTraits<Enum> {
   static constexpr ValueFamily Family = ValueFamily::Ordinal;
+  static_assert(NamesFollowEnumerators(EnumNames<Enum>::Names),
+                "EnumNames must name the enumerators 0, 1, 2, ... in order, each beside its own");
   static TypeInfo MakeTypeInfo() {
     TypeInfo info = detail::OrdinalTypeInfo<uint8_t>(TTypeKind::tkEnumeration, EnumNames<Enum>::TypeName);
     info.MinValue = 0;
     info.MaxValue = static_cast<int64_t>(EnumNames<Enum>::Names.size()) - 1;
-    for (StringView name : EnumNames<Enum>::Names) info.EnumValueNames.emplace_back(name);
+    for (const auto& entry : EnumNames<Enum>::Names) info.EnumValueNames.emplace_back(entry.Name);
     return info;
   }
   static int64_t ToOrd(Enum v) { return static_cast<int64_t>(v); }
@@ -224,7 +226,7 @@ struct ValueTraits<Object*> {
     return info;
   }
   static TObject* ToObj(Object* v) { return v; }
-  static Object* FromObj(TObject* v) { return dynamic_cast<Object*>(v); }
+  static Object* FromObj(TObject* v) { return ObjectAs<Object>(v); }
 };
 
 }  // namespace veska

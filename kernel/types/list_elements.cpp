@@ -5,8 +5,8 @@
 #include <system_error>
 #include <utility>
 
-#include "kernel/elements/property_access.h"
 #include "kernel/classes/registry.h"
+#include "kernel/elements/property_access.h"
 #include "kernel/platform/exceptions.h"
 #include "kernel/text/line_reader.h"
 #include "kernel/text/string_numbers.h"
@@ -20,12 +20,12 @@ namespace {
 String NameOf(const TElement* member) { return member != nullptr ? member->GetName() : String(); }
 
 String ValueOf(TElement* member) {
-  const auto* typed = dynamic_cast<TTypeElement*>(member);
+  const auto* typed = ObjectAs<TTypeElement>(member);
   return typed != nullptr ? typed->GetAsString() : String();
 }
 
 void SetValueOf(TElement* member, const String& value) {
-  if (auto* typed = dynamic_cast<TTypeElement*>(member)) typed->SetAsString(value);
+  if (auto* typed = ObjectAs<TTypeElement>(member)) typed->SetAsString(value);
 }
 
 // Calls add with each part of the text as StringAsTwoParams splits it, again and again on its
@@ -101,7 +101,7 @@ char16_t TStringListElement::ActualSeparator() {
   return Separator;
 }
 
-TStringElement* TStringListElement::GetSElems(int Index) { return dynamic_cast<TStringElement*>(Get(Index)); }
+TStringElement* TStringListElement::GetSElems(int Index) { return ObjectAs<TStringElement>(Get(Index)); }
 
 void TStringListElement::PutSElems(int Index, TStringElement* Element) { Put(Index, Element); }
 
@@ -125,7 +125,7 @@ TStringElement* TStringListElement::GetStringElementByName(const String& Name) {
 TStringElement* TStringListElement::GetStringElementByName(const String& Name, int& Index) {
   const String wanted = UpperCase(Name);
   for (int i = 0; i < ElementsCount(); ++i) {
-    auto* entry = dynamic_cast<TStringElement*>(Get(i));
+    auto* entry = ObjectAs<TStringElement>(Get(i));
     if (entry != nullptr && entry->GetUpperName() == wanted) {
       Index = i;
       return entry;
@@ -264,7 +264,7 @@ TStringListElement* TStringListElement::MakeSelfCopy() {
 
 void TStringListElement::ParamToNames() {
   for (int i = 0; i < ElementsCount(); ++i) {
-    auto* entry = dynamic_cast<TTypeElement*>(Get(i));
+    auto* entry = ObjectAs<TTypeElement>(Get(i));
     if (entry == nullptr) continue;
     String name;
     String value;
@@ -297,7 +297,7 @@ bool TStringListElement::SetPropertyStringByName(const String& Name, const Strin
 void TPropertyList::Publish(Publisher<TPropertyList>& p) {
   p.WriteOnly(u"Element", &TPropertyList::SetByElement);
   p.Property(u"Catenation", &TPropertyList::GetCatenation);
-  p.Property(u"Delimiter", &TPropertyList::Delimiter, &TPropertyList::Delimiter);
+  p.Field(u"Delimiter", &TPropertyList::Delimiter);
 }
 
 void TPropertyList::SetByElement(TElement* Element) {
@@ -336,12 +336,12 @@ void TIntegerListElement::Publish(Publisher<TIntegerListElement>& p) {
 }
 
 int32_t TIntegerListElement::GetInteger(int Index) {
-  const auto* typed = dynamic_cast<TTypeElement*>(Get(Index));
+  const auto* typed = ObjectAs<TTypeElement>(Get(Index));
   return typed != nullptr ? typed->GetAsInteger() : 0;
 }
 
 void TIntegerListElement::PutInteger(int Index, int32_t Value) {
-  if (auto* typed = dynamic_cast<TTypeElement*>(Get(Index))) typed->SetAsInteger(Value);
+  if (auto* typed = ObjectAs<TTypeElement>(Get(Index))) typed->SetAsInteger(Value);
 }
 
 bool TIntegerListElement::ValueExists(int32_t Value) {

@@ -24,7 +24,7 @@
 namespace veska {
 
 class TStringListElement : public TOwnerEntity {
-  VESKA_CLASS(TStringListElement, TOwnerEntity, u"E_type")
+  VESKA_CLASS(TStringListElement, TOwnerEntity, kTypesUnit)
  public:
   // A plain list of lines, kept in the entries' names (IntoFile writes the names alone).
   bool Simple = false;
@@ -118,7 +118,7 @@ class TStringListElement : public TOwnerEntity {
 // every entry that property's value as text.  An entry named "-Name" is negated: it receives
 // the value with its sign turned over.
 class TPropertyList : public TStringListElement {
-  VESKA_CLASS(TPropertyList, TStringListElement, u"E_type")
+  VESKA_CLASS(TPropertyList, TStringListElement, kTypesUnit)
  public:
   // Put between the values by GetCatenation.
   String Delimiter;
@@ -136,7 +136,7 @@ class TPropertyList : public TStringListElement {
 
 // Whole numbers kept as TIntegerElement members.
 class TIntegerListElement : public TOwnerEntity {
-  VESKA_CLASS(TIntegerListElement, TOwnerEntity, u"E_type")
+  VESKA_CLASS(TIntegerListElement, TOwnerEntity, kTypesUnit)
  public:
   // Set by the list's user; the list itself never changes them.  With Sorted, AddInteger keeps
   // the values in ascending order, and without Duplicates it adds no value twice.

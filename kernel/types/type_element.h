@@ -10,14 +10,20 @@
 
 namespace veska {
 
+// The unit of the typed value and list elements.
+inline constexpr std::u16string_view kTypesUnit = u"E_type";
+
 // What kind of value a typed value element holds.
 enum class TType : uint8_t { _Boolean, _Char, _Byte, _Float, _String, _Integer, _Pointer, _DateTime, _Other };
 
 template <>
 struct EnumNames<TType> {
   static constexpr std::u16string_view TypeName = u"TType";
-  static constexpr std::array<std::u16string_view, 9> Names{
-      u"_Boolean", u"_Char", u"_Byte", u"_Float", u"_String", u"_Integer", u"_Pointer", u"_DateTime", u"_Other"};
+  static constexpr std::array Names{EnumName{TType::_Boolean, u"_Boolean"}, EnumName{TType::_Char, u"_Char"},
+                                    EnumName{TType::_Byte, u"_Byte"},       EnumName{TType::_Float, u"_Float"},
+                                    EnumName{TType::_String, u"_String"},   EnumName{TType::_Integer, u"_Integer"},
+                                    EnumName{TType::_Pointer, u"_Pointer"}, EnumName{TType::_DateTime, u"_DateTime"},
+                                    EnumName{TType::_Other, u"_Other"}};
 };
 
 // The pointer-sized integer of the AsNativeInt view.  References travel as numbers through the
@@ -29,7 +35,7 @@ using NativeInt = int32_t;
 // 0, false, the character 0 or the empty text, and every write is ignored.  Each value class
 // overrides the views it supports.
 class TTypeElement : public TOwnerElement {
-  VESKA_CLASS(TTypeElement, TOwnerElement, u"E_type")
+  VESKA_CLASS(TTypeElement, TOwnerElement, kTypesUnit)
  public:
   virtual TType GetType() const;
   virtual String GetTypeAsString() const;
@@ -66,7 +72,7 @@ class TTypeElement : public TOwnerElement {
 // One TType field with three stored views of it: the enumeration itself, its ordinal and its
 // name, the last through the element's own by-name property access.
 class TTypeTestElement : public TOwnerElement {
-  VESKA_CLASS(TTypeTestElement, TOwnerElement, u"E_type")
+  VESKA_CLASS(TTypeTestElement, TOwnerElement, kTypesUnit)
  public:
   TType Typ = TType::_Boolean;
 

@@ -9,8 +9,8 @@
 namespace veska {
 
 inline constexpr UnitClasses kTypesUnitClasses{
-    u"E_type", ClassListOf<TTypeTestElement, TTypeElement, TBooleanElement, TCharElement, TByteElement, TFloatElement,
-                           TDateTimeElement, TIntegerListElement, TStringElement, TIntegerElement, TPointerElement,
-                           TStringListElement, TPathElement, TPropertyList>};
+    kTypesUnit, ClassListOf<TTypeTestElement, TTypeElement, TBooleanElement, TCharElement, TByteElement, TFloatElement,
+                            TDateTimeElement, TIntegerListElement, TStringElement, TIntegerElement, TPointerElement,
+                            TStringListElement, TPathElement, TPropertyList>};
 
 }  // namespace veska

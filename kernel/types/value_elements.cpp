@@ -259,7 +259,7 @@ TPointerElement::TPointerElement(TObject* value) { SetAsPointer(value); }
 TPointerElement::TPointerElement(const String& name, TObject* value) : TPointerElement(value) { SetName(name); }
 
 void TPointerElement::Publish(Publisher<TPointerElement>& p) {
-  p.Property(u"aClassName", &TPointerElement::aClassName, &TPointerElement::aClassName);
+  p.Field(u"aClassName", &TPointerElement::aClassName);
   p.Property(u"_Element", &TPointerElement::Get_Element, &TPointerElement::Set_Element);
 }
 

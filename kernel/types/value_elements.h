@@ -12,7 +12,7 @@ namespace veska {
 class TIntegerListElement;
 
 class TBooleanElement : public TTypeElement {
-  VESKA_CLASS(TBooleanElement, TTypeElement, u"E_type")
+  VESKA_CLASS(TBooleanElement, TTypeElement, kTypesUnit)
  public:
   TBooleanElement() = default;
   explicit TBooleanElement(bool value);
@@ -36,7 +36,7 @@ class TBooleanElement : public TTypeElement {
 };
 
 class TCharElement : public TTypeElement {
-  VESKA_CLASS(TCharElement, TTypeElement, u"E_type")
+  VESKA_CLASS(TCharElement, TTypeElement, kTypesUnit)
  public:
   TCharElement() = default;
   explicit TCharElement(char16_t value);
@@ -64,7 +64,7 @@ class TCharElement : public TTypeElement {
 };
 
 class TByteElement : public TTypeElement {
-  VESKA_CLASS(TByteElement, TTypeElement, u"E_type")
+  VESKA_CLASS(TByteElement, TTypeElement, kTypesUnit)
  public:
   TByteElement() = default;
   explicit TByteElement(uint8_t value);
@@ -97,7 +97,7 @@ class TByteElement : public TTypeElement {
 };
 
 class TFloatElement : public TTypeElement {
-  VESKA_CLASS(TFloatElement, TTypeElement, u"E_type")
+  VESKA_CLASS(TFloatElement, TTypeElement, kTypesUnit)
  public:
   TFloatElement() = default;
   explicit TFloatElement(double value);
@@ -129,7 +129,7 @@ struct NameIsValueText {
 };
 
 class TStringElement : public TTypeElement {
-  VESKA_CLASS(TStringElement, TTypeElement, u"E_type")
+  VESKA_CLASS(TStringElement, TTypeElement, kTypesUnit)
  public:
   TStringElement() = default;
   explicit TStringElement(const String& value);
@@ -180,7 +180,7 @@ class TStringElement : public TTypeElement {
 // A string element whose text is a file-system path.  It inherits SelfCopy on purpose: a copy
 // of a path element is a plain TStringElement.
 class TPathElement : public TStringElement {
-  VESKA_CLASS(TPathElement, TStringElement, u"E_type")
+  VESKA_CLASS(TPathElement, TStringElement, kTypesUnit)
  public:
   TPathElement() = default;
   explicit TPathElement(const String& value) : TStringElement(value) {}
@@ -188,7 +188,7 @@ class TPathElement : public TStringElement {
 };
 
 class TIntegerElement : public TTypeElement {
-  VESKA_CLASS(TIntegerElement, TTypeElement, u"E_type")
+  VESKA_CLASS(TIntegerElement, TTypeElement, kTypesUnit)
  public:
   TIntegerElement() = default;
   explicit TIntegerElement(int32_t value);
@@ -224,7 +224,7 @@ class TIntegerElement : public TTypeElement {
 // reference is kept as the object's handle, so it reads as none once the object is gone, and
 // a number that names no live object sets none.
 class TPointerElement : public TTypeElement {
-  VESKA_CLASS(TPointerElement, TTypeElement, u"E_type")
+  VESKA_CLASS(TPointerElement, TTypeElement, kTypesUnit)
  public:
   TPointerElement() = default;
   explicit TPointerElement(TObject* value);
@@ -256,7 +256,7 @@ class TPointerElement : public TTypeElement {
 };
 
 class TDateTimeElement : public TTypeElement {
-  VESKA_CLASS(TDateTimeElement, TTypeElement, u"E_type")
+  VESKA_CLASS(TDateTimeElement, TTypeElement, kTypesUnit)
  public:
   TDateTimeElement() = default;
   explicit TDateTimeElement(TDateTime value);

@@ -5,28 +5,34 @@
 #include <array>
 #include <memory>
 
-#include "kernel/elements/property_access.h"
 #include "kernel/classes/registry.h"
 #include "kernel/elements/named.h"
+#include "kernel/elements/property_access.h"
 #include "kernel/platform/publisher.h"
 
 namespace veska {
 
-// 1. An enumeration is published with the names of its values, in ordinal order.  The
-//    specialisation lives in namespace veska, next to the enumeration.
+// 1. An enumeration is published with the names of its values, each beside its enumerator, in
+//    ordinal order (a table out of order does not compile).  The specialisation lives in
+//    namespace veska, next to the enumeration.
 enum class TPumpState : uint8_t { psStopped, psRunning, psFailed };
 template <>
 struct EnumNames<TPumpState> {
   static constexpr std::u16string_view TypeName = u"TPumpState";
-  static constexpr std::array<std::u16string_view, 3> Names{u"psStopped", u"psRunning", u"psFailed"};
+  static constexpr std::array Names{EnumName{TPumpState::psStopped, u"psStopped"},
+                                    EnumName{TPumpState::psRunning, u"psRunning"},
+                                    EnumName{TPumpState::psFailed, u"psFailed"}};
 };
 
 namespace {
 
-// 2. The class: derive from an element class and name it, its parent and its unit with
-//    VESKA_CLASS.  A default constructor makes it creatable by name.
+// 2. The class: derive from an element class and name it, its parent (the class it derives
+//    from) and its unit with VESKA_CLASS, which leaves the access private.  A class without
+//    VESKA_CLASS, or one that names a parent it does not derive from, does not compile where it
+//    is used as a run-time class.  A default constructor makes it creatable by name.
 class TPump : public TOwnerElement {
   VESKA_CLASS(TPump, TOwnerElement, u"Pumps")
+
  public:
   int32_t Speed = 0;                         // a field read and written directly (kind 1)
   double Pressure = 0;                       // a float field (kind 4)
@@ -40,11 +46,11 @@ class TPump : public TOwnerElement {
 
   // 3. The published properties, in the order they follow the inherited ones.
   static void Publish(Publisher<TPump>& p) {
-    p.Property(u"Speed", &TPump::Speed, &TPump::Speed);
+    p.Field(u"Speed", &TPump::Speed);
     p.Property(u"Label", &TPump::GetLabel, &TPump::SetLabel).Stored(&TPump::StoreLabel);
-    p.Property(u"Pressure", &TPump::Pressure, &TPump::Pressure);
-    p.Property(u"State", &TPump::State, &TPump::State);
-    p.Property(u"Feeds", &TPump::Feeds, &TPump::Feeds);
+    p.Field(u"Pressure", &TPump::Pressure);
+    p.Field(u"State", &TPump::State);
+    p.Field(u"Feeds", &TPump::Feeds);
   }
 
  private:
@@ -59,9 +65,9 @@ TEST(DeclaringClasses, AnApplicationClassIsRegisteredCreatedAndUsedByName) {
   // 5. Create elements from the class name, as loaders do with names read from files.
   std::unique_ptr<TElement> first(CreateElementByName(u"TPump"));
   std::unique_ptr<TElement> second(CreateElementByName(u"Pump"));  // "T" is added when missing
-  auto* pump = dynamic_cast<TPump*>(first.get());
+  auto* pump = ObjectAs<TPump>(first.get());
   ASSERT_NE(pump, nullptr);
-  ASSERT_NE(dynamic_cast<TPump*>(second.get()), nullptr);
+  ASSERT_NE(ObjectAs<TPump>(second.get()), nullptr);
 
   // 6. Write and read every property by name, through text.
   EXPECT_TRUE(pump->SetPropertyStringByName(u"Speed", u"1450"));

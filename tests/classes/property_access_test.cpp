@@ -19,7 +19,8 @@ enum class TTestMode : uint8_t { pmOff, pmSlow, pmFast };
 template <>
 struct EnumNames<TTestMode> {
   static constexpr std::u16string_view TypeName = u"TTestMode";
-  static constexpr std::array<std::u16string_view, 3> Names{u"pmOff", u"pmSlow", u"pmFast"};
+  static constexpr std::array Names{EnumName{TTestMode::pmOff, u"pmOff"}, EnumName{TTestMode::pmSlow, u"pmSlow"},
+                                    EnumName{TTestMode::pmFast, u"pmFast"}};
 };
 
 namespace {
@@ -54,21 +55,21 @@ class TAllKinds : public TPersistent {
   void SetFailingMethod(TMethod) {}
 
   static void Publish(Publisher<TAllKinds>& p) {
-    p.Property(u"Int", &TAllKinds::Int, &TAllKinds::Int);
-    p.Property(u"Ch", &TAllKinds::Ch, &TAllKinds::Ch);
-    p.Property(u"WCh", &TAllKinds::WCh, &TAllKinds::WCh);
-    p.Property(u"Mode", &TAllKinds::Mode, &TAllKinds::Mode);
-    p.Property(u"Modes", &TAllKinds::Modes, &TAllKinds::Modes);
-    p.Property(u"Flt", &TAllKinds::Flt, &TAllKinds::Flt);
-    p.Property(u"Short", &TAllKinds::Short, &TAllKinds::Short);
-    p.Property(u"Ansi", &TAllKinds::Ansi, &TAllKinds::Ansi);
-    p.Property(u"Uni", &TAllKinds::Uni, &TAllKinds::Uni);
-    p.Property(u"Wide", &TAllKinds::Wide, &TAllKinds::Wide);
-    p.Property(u"Var", &TAllKinds::Var, &TAllKinds::Var);
-    p.Property(u"Obj", &TAllKinds::Obj, &TAllKinds::Obj);
-    p.Property(u"Meth", &TAllKinds::Meth, &TAllKinds::Meth);
-    p.Property(u"Big", &TAllKinds::Big, &TAllKinds::Big);
-    p.Property(u"Flag", &TAllKinds::Flag, &TAllKinds::Flag);
+    p.Field(u"Int", &TAllKinds::Int);
+    p.Field(u"Ch", &TAllKinds::Ch);
+    p.Field(u"WCh", &TAllKinds::WCh);
+    p.Field(u"Mode", &TAllKinds::Mode);
+    p.Field(u"Modes", &TAllKinds::Modes);
+    p.Field(u"Flt", &TAllKinds::Flt);
+    p.Field(u"Short", &TAllKinds::Short);
+    p.Field(u"Ansi", &TAllKinds::Ansi);
+    p.Field(u"Uni", &TAllKinds::Uni);
+    p.Field(u"Wide", &TAllKinds::Wide);
+    p.Field(u"Var", &TAllKinds::Var);
+    p.Field(u"Obj", &TAllKinds::Obj);
+    p.Field(u"Meth", &TAllKinds::Meth);
+    p.Field(u"Big", &TAllKinds::Big);
+    p.Field(u"Flag", &TAllKinds::Flag);
     p.Property(u"Fixed", &TAllKinds::GetFixed);
     p.Property(u"BadOrd", &TAllKinds::FailingOrdinal, &TAllKinds::SetFailing);
     p.Property(u"BadFlt", &TAllKinds::FailingFloat, &TAllKinds::SetFailingFloat);

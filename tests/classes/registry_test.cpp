@@ -138,8 +138,8 @@ class TTwiceNamed : public TNameElement {
  public:
   int32_t Other = 0;
   static void Publish(Publisher<TTwiceNamed>& p) {
-    p.Property(u"other", &TTwiceNamed::Other, &TTwiceNamed::Other).Stored(false);
-    p.Property(u"OTHER", &TTwiceNamed::Other, &TTwiceNamed::Other);
+    p.Field(u"other", &TTwiceNamed::Other).Stored(false);
+    p.Field(u"OTHER", &TTwiceNamed::Other);
   }
 };
 
@@ -181,11 +181,11 @@ class TCopySource : public TNameElement {
   String Uni;
   int32_t Hidden = 0;
   static void Publish(Publisher<TCopySource>& p) {
-    p.Property(u"Partner", &TCopySource::Partner, &TCopySource::Partner);
-    p.Property(u"Ansi", &TCopySource::Ansi, &TCopySource::Ansi);
-    p.Property(u"Wide", &TCopySource::Wide, &TCopySource::Wide);
-    p.Property(u"Uni", &TCopySource::Uni, &TCopySource::Uni);
-    p.Property(u"Hidden", &TCopySource::Hidden, &TCopySource::Hidden).Stored(false);
+    p.Field(u"Partner", &TCopySource::Partner);
+    p.Field(u"Ansi", &TCopySource::Ansi);
+    p.Field(u"Wide", &TCopySource::Wide);
+    p.Field(u"Uni", &TCopySource::Uni);
+    p.Field(u"Hidden", &TCopySource::Hidden).Stored(false);
   }
 };
 
@@ -251,9 +251,9 @@ class TBadReference : public TNameElement {
   TNotAnElement* Unsaved = nullptr;
   TNameElement* Fine = nullptr;
   static void Publish(Publisher<TBadReference>& p) {
-    p.Property(u"Foreign", &TBadReference::Foreign, &TBadReference::Foreign);
-    p.Property(u"Unsaved", &TBadReference::Unsaved, &TBadReference::Unsaved).Stored(false);
-    p.Property(u"Fine", &TBadReference::Fine, &TBadReference::Fine);
+    p.Field(u"Foreign", &TBadReference::Foreign);
+    p.Field(u"Unsaved", &TBadReference::Unsaved).Stored(false);
+    p.Field(u"Fine", &TBadReference::Fine);
   }
 };
 

@@ -21,9 +21,9 @@ class TPathNote : public TPersistent {
   TElement* Target = nullptr;
 
   static void Publish(Publisher<TPathNote>& p) {
-    p.Property(u"Title", &TPathNote::Title, &TPathNote::Title);
-    p.Property(u"Next", &TPathNote::Next, &TPathNote::Next);
-    p.Property(u"Target", &TPathNote::Target, &TPathNote::Target);
+    p.Field(u"Title", &TPathNote::Title);
+    p.Field(u"Next", &TPathNote::Next);
+    p.Field(u"Target", &TPathNote::Target);
   }
 };
 
@@ -35,8 +35,8 @@ class TPathEntity : public TOwnerEntity {
   TPathNote* Note = nullptr;
 
   static void Publish(Publisher<TPathEntity>& p) {
-    p.Property(u"Link", &TPathEntity::Link, &TPathEntity::Link);
-    p.Property(u"Note", &TPathEntity::Note, &TPathEntity::Note);
+    p.Field(u"Link", &TPathEntity::Link);
+    p.Field(u"Note", &TPathEntity::Note);
   }
 };
 

@@ -10,7 +10,8 @@ enum class TShade : uint8_t { shLight, shDark, shBlack };
 template <>
 struct EnumNames<TShade> {
   static constexpr std::u16string_view TypeName = u"TShade";
-  static constexpr std::array<std::u16string_view, 3> Names{u"shLight", u"shDark", u"shBlack"};
+  static constexpr std::array Names{EnumName{TShade::shLight, u"shLight"}, EnumName{TShade::shDark, u"shDark"},
+                                    EnumName{TShade::shBlack, u"shBlack"}};
 };
 
 namespace {
@@ -40,20 +41,20 @@ class TSample : public TPersistent {
   bool StoreCaption() const { return !Caption.empty(); }
 
   static void Publish(Publisher<TSample>& p) {
-    p.Property(u"Count", &TSample::Count, &TSample::Count).Default(7);
-    p.Property(u"Visible", &TSample::Visible, &TSample::Visible);
+    p.Field(u"Count", &TSample::Count).Default(7);
+    p.Field(u"Visible", &TSample::Visible);
     p.Property(u"Caption", &TSample::GetCaption, &TSample::SetCaption).Stored(&TSample::StoreCaption);
-    p.Property(u"Shade", &TSample::Shade, &TSample::Shade);
-    p.Property(u"Shades", &TSample::Shades, &TSample::Shades);
-    p.Property(u"Ratio", &TSample::Ratio, &TSample::Ratio).Stored(false);
-    p.Property(u"Big", &TSample::Big, &TSample::Big);
-    p.Property(u"Letter", &TSample::Letter, &TSample::Letter);
-    p.Property(u"Byte", &TSample::Byte, &TSample::Byte);
-    p.Property(u"Legacy", &TSample::Legacy, &TSample::Legacy);
-    p.Property(u"Wide", &TSample::Wide, &TSample::Wide);
-    p.Property(u"OnChange", &TSample::OnChange, &TSample::OnChange);
-    p.Property(u"Any", &TSample::Any, &TSample::Any);
-    p.Property(u"Next", &TSample::Next, &TSample::Next);
+    p.Field(u"Shade", &TSample::Shade);
+    p.Field(u"Shades", &TSample::Shades);
+    p.Field(u"Ratio", &TSample::Ratio).Stored(false);
+    p.Field(u"Big", &TSample::Big);
+    p.Field(u"Letter", &TSample::Letter);
+    p.Field(u"Byte", &TSample::Byte);
+    p.Field(u"Legacy", &TSample::Legacy);
+    p.Field(u"Wide", &TSample::Wide);
+    p.Field(u"OnChange", &TSample::OnChange);
+    p.Field(u"Any", &TSample::Any);
+    p.Field(u"Next", &TSample::Next);
     p.WriteOnly(u"Command", &TSample::Command);
     p.Property(u"Stored", &TSample::StoreCaption);
   }
@@ -63,9 +64,7 @@ class TDerivedSample : public TSample {
   VESKA_CLASS(TDerivedSample, TSample, u"SampleUnit")
  public:
   String Extra;
-  static void Publish(Publisher<TDerivedSample>& p) {
-    p.Property(u"Extra", &TDerivedSample::Extra, &TDerivedSample::Extra);
-  }
+  static void Publish(Publisher<TDerivedSample>& p) { p.Field(u"Extra", &TDerivedSample::Extra); }
 };
 
 class TSilentSample : public TDerivedSample {
