@@ -4,7 +4,6 @@
 
 #include <array>
 #include <memory>
-#include <random>
 
 #include "kernel/classes/registry.h"
 #include "kernel/elements/named.h"
@@ -201,39 +200,6 @@ TEST(PropertyAccess, FailingReadsGiveErrorTextsAndFailingWritesAreReported) {
   EXPECT_EQ(captured.Texts()[1], u"Error filling property Mode by string pmNone");
   EXPECT_EQ(captured.Texts()[2], u"Error filling property Meth by string 12;abc");
   EXPECT_EQ(captured.Entries()[0].Kind, MessageKind::Error);
-}
-
-TEST(PropertyAccess, RandomTextsWrittenToEveryPropertyNeverCrash) {
-  CapturedMessages captured;
-  std::mt19937 random(20261121);
-  constexpr std::array<StringView, 9> kJunk{u"", u";", u"-", u"+", u"1;", u";;;", u"pmFast", u"\uFFFF", u"  7  "};
-  TAllKinds all;
-  all.Wide.Text = u"never written";
-  TNameElement named;
-  TOwnerElement owner;
-  TVeskaClassProperty property;
-  TObject* const objects[] = {&all, &named, &owner, &property};
-  for (int round = 0; round < 200; ++round) {
-    for (TObject* object : objects) {
-      for (int i = 0; i < GetPropCount(object); ++i) {
-        String text;
-        switch (random() % 3) {
-          case 0:
-            text = IntToStr(static_cast<int64_t>(random()) - static_cast<int64_t>(random()) * 4096);
-            break;
-          case 1:
-            text = String(kJunk[random() % kJunk.size()]);
-            break;
-          default:
-            for (unsigned n = random() % 24; n > 0; --n) text += static_cast<char16_t>(random() % 0x10000);
-        }
-        SetPropString(object, i, text);
-        (void)GetPropString(object, i);
-      }
-    }
-  }
-  EXPECT_EQ(all.Wide.Text, u"never written");
-  EXPECT_TRUE(std::holds_alternative<std::monostate>(all.Var));
 }
 
 }  // namespace

@@ -2,7 +2,6 @@
 
 #include <array>
 #include <memory>
-#include <random>
 
 #include "kernel/classes/registry.h"
 #include "kernel/elements/named.h"
@@ -213,40 +212,6 @@ TEST(PathCommands, SyntaxAndEntityErrorsGiveTheirTextAndPosition) {
     TElement& start = c.from_abc ? static_cast<TElement&>(*tree.abc) : *tree.root;
     EXPECT_EQ(ErrorOf(start, c.operation, String(c.command)), c.expected);
   }
-}
-
-// Random commands built from the pieces of the grammar: every call of every operation either
-// answers or raises Exception; the sanitizer build checks that nothing leaks or crashes.
-TEST(PathCommands, RandomCommandsAnswerOrRaiseException) {
-  PathTree tree;
-  static constexpr std::array<StringView, 12> kPieces{
-      u"(",    u")", u".",   u" ",   u"FINDELEMENTBYNAME", u"findelementbyclass", u"FINDELEMENTBYCLASS", u"ELEMENT",
-      u"Name", u"x", u"Sub", u"Link"};
-  std::mt19937 random(20240611);
-  std::uniform_int_distribution<size_t> piece(0, kPieces.size() - 1);
-  std::uniform_int_distribution<int> length(0, 12);
-  int answers = 0;
-  int errors = 0;
-  for (int round = 0; round < 4000; ++round) {
-    String command;
-    for (int n = length(random); n > 0; --n) command += kPieces[piece(random)];
-    const auto attempt = [&](auto&& call) {
-      try {
-        call();
-        ++answers;
-      } catch (const Exception&) {
-        ++errors;
-      }
-    };
-    attempt([&] { tree.root->ExecuteCommandLine(command); });
-    attempt([&] { std::unique_ptr<TStringList>(tree.root->ExecuteCommandLineToList(command)); });
-    attempt([&] { tree.root->ExecuteCommandLineToElement(command); });
-  }
-  // Both outcomes occur, so the commands reach past the first token.
-  EXPECT_GT(answers, 1000);
-  EXPECT_GT(errors, 1000);
-  EXPECT_EQ(tree.root->ElementsCount(), 2);
-  EXPECT_EQ(tree.sub->ElementsCount(), 1);
 }
 
 }  // namespace

@@ -329,47 +329,6 @@ TEST(TypedValueReader, NestingDeeperThanTheLimitIsRefused) {
   EXPECT_EQ(ReadErrorOf(collections, [](TReader& r) { r.SkipValue(); }).rfind(u"Values nested deeper", 0), 0u);
 }
 
-TEST(TypedValueReader, RandomBytesOnlyEverRaiseReadError) {
-  std::mt19937 random(12345);
-  const ReaderAction operations[] = {
-      [](TReader& r) { r.ReadInteger(); },
-      [](TReader& r) { r.ReadInt64(); },
-      [](TReader& r) { r.ReadFloat(); },
-      [](TReader& r) { r.ReadString(); },
-      [](TReader& r) { r.ReadChar(); },
-      [](TReader& r) { r.ReadBoolean(); },
-      [](TReader& r) { r.ReadIdent(); },
-      [](TReader& r) { r.ReadListBegin(); },
-      [](TReader& r) { r.ReadListEnd(); },
-      [](TReader& r) { r.SkipValue(); },
-      [](TReader& r) { r.SkipValue(); },
-      [](TReader& r) { r.ReadSignature(); },
-      [](TReader& r) {
-        r.EndOfList();
-        r.ReadValue();
-      },
-  };
-  int read_errors = 0;
-  for (int iteration = 0; iteration < 4000; ++iteration) {
-    Bytes bytes(random() % 64);
-    for (uint8_t& b : bytes) {
-      // Mostly small values, so that tags and lengths are often valid and reading goes deep.
-      b = static_cast<uint8_t>(random() % 4 == 0 ? random() : random() % 24);
-    }
-    TMemoryStream stream(Raw(bytes));
-    TReader reader(stream, 1 + random() % 8);
-    try {
-      for (int step = 0; step < 40; ++step) {
-        operations[random() % std::size(operations)](reader);
-        ASSERT_LE(reader.Position(), stream.Size());
-      }
-    } catch (const EReadError&) {
-      ++read_errors;
-    }
-  }
-  EXPECT_GT(read_errors, 3000);  // nearly every random input ends in an error, none in anything else
-}
-
 TEST(TypedValueReader, PositionIsLogicalAndTheStreamIsLeftThere) {
   const Bytes bytes = {0xAA, 2, 1, 2, 2, 2, 3};
   TMemoryStream stream(Raw(bytes));

@@ -182,79 +182,6 @@ TEST(LineReader, RandomNumbersReadBackExactly) {
   }
 }
 
-// Any line and any sequence of calls: the position stays within the line, a failed read does
-// not move, a successful read moves forward, and the flag never clears by itself.
-TEST(LineReader, RandomInputNeverLeavesTheLine) {
-  const char16_t alphabet[] = {u' ',  u'\t', u',', u';', u'\'', u'.', u'-', u'+', u'e',  u'E',
-                               u'0',  u'1',  u'9', u'a', u'n',  u'o', u'Ž', u'=', u'\0', char16_t(0xD800),
-                               u'\r', u'/'};
-  std::mt19937 random(7);
-  for (int round = 0; round < 2500; ++round) {
-    String line(random() % 20, u' ');
-    for (char16_t& c : line) c = alphabet[random() % std::size(alphabet)];
-    TCtiRadekClass reader(line);
-    for (int step = 0; step < 25; ++step) {
-      const std::size_t before = reader.Pozice();
-      const bool had_error = reader.DosloKChybe();
-      bool is_read = true;
-      switch (random() % 12) {
-        case 0:
-          reader.DejChar();
-          break;
-        case 1:
-          reader.DejString();
-          break;
-        case 2:
-          reader.DejStringMeziApostrofy();
-          break;
-        case 3:
-          reader.DejInteger();
-          break;
-        case 4:
-          reader.DejLongInt();
-          break;
-        case 5:
-          reader.DejReal();
-          break;
-        case 6:
-          reader.DejExtended();
-          break;
-        case 7:
-          reader.DejBoolean();
-          break;
-        case 8:
-          is_read = false;
-          reader.PreskocMezery();
-          break;
-        case 9:
-          is_read = false;
-          reader.PreskocMnozinu(u",;'e");
-          break;
-        case 10:
-          is_read = false;
-          reader.JdiNa(random() % (line.size() + 3));
-          break;
-        default:
-          is_read = false;
-          reader.KonecRadku();
-          break;
-      }
-      ASSERT_GE(reader.Pozice(), 1u);
-      ASSERT_LE(reader.Pozice(), line.size() + 1);
-      ASSERT_EQ(reader.KonecRadku(), reader.Pozice() == line.size() + 1);
-      if (had_error) {
-        ASSERT_TRUE(reader.DosloKChybe());
-      } else if (is_read) {
-        if (reader.DosloKChybe()) {
-          ASSERT_EQ(reader.Pozice(), before);
-        } else {
-          ASSERT_GT(reader.Pozice(), before);
-        }
-      }
-    }
-  }
-}
-
 TEST(ParameterReader, DejRadekSkipsEmptyAndCommentLines) {
   TCteniParametru reader(u"; comment\r\n\r\n  // another\nName = Value\rSize = 10, 20\n \t \nLast line\n");
   EXPECT_EQ(reader.DefInfo().CisloRadku, 0u);
@@ -334,27 +261,6 @@ TEST_F(ParameterFile, ReadsUtf8AndWindows1250FilesAndMissingOnesAsEmpty) {
     EXPECT_EQ(reader.DefInfo().Hodnota.DejStringMeziApostrofy(), u"Kůň");
     EXPECT_EQ(reader.DejLongIntParametr(u"počet"), 3);
     EXPECT_FALSE(reader.BylaChybaParametru());
-  }
-}
-
-TEST(ParameterReader, RandomDefinitionsNeverFail) {
-  const char16_t alphabet[] = {u'a', u'B', u'=', u' ', u'\r', u'\n', u';', u'/',
-                               u'1', u'-', u',', u'.', u'\'', u'\0', u'e', u'ň'};
-  std::mt19937 random(11);
-  for (int round = 0; round < 2000; ++round) {
-    String text(random() % 60, u' ');
-    for (char16_t& c : text) c = alphabet[random() % std::size(alphabet)];
-    TCteniParametru reader(text);
-    std::size_t lines = 0;
-    while (reader.DejRadek()) {
-      ASSERT_LE(++lines, text.size());
-      ASSERT_LE(reader.DefInfo().CisloRadku, text.size() + 1);
-      ASSERT_FALSE(reader.DefInfo().Radek.empty());
-      reader.DejLongIntParametr();
-      reader.DejRealParametr();
-      reader.DejExtendedParametr(u"a");
-      reader.DejBooleanParametr(reader.DefInfo().Jmeno);
-    }
   }
 }
 
