@@ -117,6 +117,8 @@ struct EnumName {
   Enum Value;
   std::u16string_view Name;
 };
+template <class Enum>
+EnumName(Enum, std::u16string_view) -> EnumName<Enum>;
 
 // Whether the table names the enumerators 0, 1, 2, ... in order, each once.
 template <class Enum, std::size_t N>
