@@ -157,30 +157,6 @@ TEST(WindowMessages, SendCallsTheWindowProcedureAtOnce) {
   EXPECT_EQ(host.PendingMessageCount(), 1u);
 }
 
-TEST(WindowMessages, PostedFromOtherThreadsAndProcessedOnTheMainThread) {
-  TApplication host;
-  std::vector<std::thread::id> handled_on;
-  std::vector<std::uintptr_t> per_thread_order[4];
-  host.SetWindowProc([&](TWindowMessage& message) {
-    handled_on.push_back(std::this_thread::get_id());
-    per_thread_order[message.LParam].push_back(message.WParam);
-    return true;
-  });
-  constexpr std::uintptr_t kPerThread = 500;
-  std::vector<std::thread> posters;
-  for (std::intptr_t thread = 0; thread < 4; ++thread) {
-    posters.emplace_back([&host, thread] {
-      for (std::uintptr_t i = 0; i < kPerThread; ++i) host.PostMessage(WM_USER, i, thread);
-    });
-  }
-  for (std::thread& poster : posters) poster.join();
-  host.ProcessMessages();
-  EXPECT_EQ(handled_on, std::vector<std::thread::id>(4 * kPerThread, std::this_thread::get_id()));
-  std::vector<std::uintptr_t> in_order(kPerThread);
-  for (std::uintptr_t i = 0; i < kPerThread; ++i) in_order[i] = i;
-  for (const auto& order : per_thread_order) EXPECT_EQ(order, in_order);
-}
-
 TEST(WindowMessages, ThrowingWindowProcedureIsReportedAndItsMessageDiscarded) {
   TApplication host;
   DiscardCounter discards(3);
