@@ -73,19 +73,14 @@ TEST(StrToExtended, ReadsBackEveryDoubleExactly) {
   EXPECT_EQ(StrToExtended(u"-inf"), -HUGE_VAL);
 }
 
-TEST(StrToExtended, AcceptsBothSeparatorsBlanksSignsAndExponents) {
+// StrToExtended reads with the one float grammar that StrToFloat's tests cover; these are its
+// own rules: both separators, every control character as a blank, and its error text.
+TEST(StrToExtended, TakesBothSeparatorsAndControlBlanksAndRaisesConvertError) {
   const std::pair<const char16_t*, double> cases[] = {
-      {u" 1.5 ", 1.5}, {u"1,5", 1.5},  {u"\t-1e3\r\n", -1000}, {u"+2", 2},
-      {u".5", 0.5},    {u"5.", 5},     {u"1E+2", 100},         {u"2,5e-1", 0.25},
-      {u"0012", 12},   {u"1e-400", 0}, {u"0.000001e-330", 0},  {u"0e99999999999999999999", 0}};
+      {u"1,5", 1.5}, {u"\t-1e3\r\n", -1000}, {u"2,5e-1", 0.25}, {u"0.000001e-330", 0}};
   for (const auto& [text, expected] : cases) EXPECT_EQ(StrToExtended(text), expected) << ToUtf8(text);
-}
-
-TEST(StrToExtended, RaisesConvertErrorOnBadText) {
-  EXPECT_EQ(ConvertErrorText(u"abc", StrToExtended), u"'abc' is not a valid floating point value");
   EXPECT_EQ(ConvertErrorText(u" 1e ", StrToExtended), u"' 1e ' is not a valid floating point value");
-  for (const char16_t* bad : {u"", u" ", u".", u"-", u"e5", u"1e", u"1e+", u"1.2.3", u"1,5.2", u"1 000", u"0x10",
-                              u"1.5x", u"--1", u"1e400", u"-1e99999999999", u"\u0661", u"nan1"}) {
+  for (const char16_t* bad : {u"1,5.2", u"1 000", u"1e400", u"nan1"}) {
     EXPECT_THROW(StrToExtended(bad), EConvertError) << ToUtf8(bad);
     EXPECT_FALSE(StringIsFloat(bad)) << ToUtf8(bad);
   }
