@@ -248,9 +248,9 @@ TDateTime IncMilliSecond(TDateTime value, std::int64_t milliseconds) {
 
 TDateTime Now() {
   const auto now = system_clock::now();
-  const std::int64_t epochMs = MillisecondsSinceUnixEpoch(now);
-  const std::time_t seconds = std::time_t(FloorDiv(epochMs, MSecsPerSec));
-  const int msec = int(FloorMod(epochMs, MSecsPerSec));
+  const std::int64_t epoch_ms = MillisecondsSinceUnixEpoch(now);
+  const std::time_t seconds = std::time_t(FloorDiv(epoch_ms, MSecsPerSec));
+  const int msec = int(FloorMod(epoch_ms, MSecsPerSec));
   std::tm local{};
   localtime_r(&seconds, &local);
   // A leap second, which some systems report as second 60, is shown as the second before it.
@@ -268,8 +268,8 @@ TDateTime NowUTC() {
 std::int64_t DateTimeToUnix(TDateTime value) {
   const auto linear = ToLinearMilliseconds(value);
   if (!linear) return 0;
-  const std::int64_t sinceEpoch = *linear - kEpochShift * MSecsPerDay;
-  return FloorDiv(sinceEpoch + MSecsPerSec / 2, MSecsPerSec);
+  const std::int64_t since_epoch = *linear - kEpochShift * MSecsPerDay;
+  return FloorDiv(since_epoch + MSecsPerSec / 2, MSecsPerSec);
 }
 
 TDateTime UnixToDateTime(std::int64_t seconds) {

@@ -101,21 +101,21 @@ TDateTime UnixToDateTime(std::int64_t seconds);
 
 // ---- ISO 8601 ------------------------------------------------------------------------------
 
-// "YYYY-MM-DDThh:nn:ss.zzzZ".  When inputIsUTC is false the value is a local time of an unknown
+// "YYYY-MM-DDThh:nn:ss.zzzZ".  When input_is_utc is false the value is a local time of an unknown
 // zone and the text carries no zone designator.  Nothing reads the machine's time zone.  A value
 // outside the calendar range writes its date as 0000-00-00, like every decoding.
-String DateToISO8601(TDateTime value, bool inputIsUTC = true);
+String DateToISO8601(TDateTime value, bool input_is_utc = true);
 
 // Reads a date ("2031-05-01", "20310501") optionally followed by "T" (or "t" or a space) and a time
 // ("hh:mm", "hh:mm:ss", "hhmm", "hhmmss", seconds with a fraction of any length after "." or ",",
 // rounded to the millisecond) and a zone ("Z", "+01:00", "+0100", "-05").  Blanks around the text
-// are allowed.  With returnUTC true the result is converted to UTC with the zone's offset; with
-// returnUTC false the offset is ignored and the result is the wall-clock time as written (the local
+// are allowed.  With return_utc true the result is converted to UTC with the zone's offset; with
+// return_utc false the offset is ignored and the result is the wall-clock time as written (the local
 // time of the writer).  A time without a zone is taken as written in both cases.  Hour 24, second
 // 60, other out-of-range fields and results outside the calendar range fail.
-bool TryISO8601ToDate(StringView text, TDateTime& value, bool returnUTC = true);
+bool TryISO8601ToDate(StringView text, TDateTime& value, bool return_utc = true);
 // As above; raises EConvertError "'<text>' is not a valid ISO 8601 date and time".
-TDateTime ISO8601ToDate(StringView text, bool returnUTC = true);
+TDateTime ISO8601ToDate(StringView text, bool return_utc = true);
 
 // ---- Locale forms --------------------------------------------------------------------------
 // Every function below takes its separators, patterns and names from a TFormatSettings record,

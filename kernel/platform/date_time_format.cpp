@@ -68,12 +68,12 @@ class DateTimeFormatter {
  public:
   DateTimeFormatter(TDateTime value, const TFormatSettings& settings) : settings_(settings) {
     DecodeDateTime(value, year_, month_, day_, hour_, min_, sec_, msec_);
-    dayOfWeek_ = DayOfWeek(value);
+    day_of_week_ = DayOfWeek(value);
   }
 
   void Append(StringView pattern, int nesting) {
     if (nesting > kMaxPatternNesting) return;
-    char16_t lastLetter = 0;
+    char16_t last_letter = 0;
     std::size_t pos = 0;
     while (pos < pattern.size()) {
       const char16_t c = pattern[pos];
@@ -96,9 +96,9 @@ class DateTimeFormatter {
       char16_t letter = AsciiUpperChar(c);
       std::size_t count = 1;
       while (pos + count < pattern.size() && AsciiUpperChar(pattern[pos + count]) == letter) ++count;
-      if (letter == u'M' && lastLetter == u'H') letter = u'N';  // "h:mm" means minutes
+      if (letter == u'M' && last_letter == u'H') letter = u'N';  // "h:mm" means minutes
       AppendField(letter, count, pattern, pos, nesting);
-      lastLetter = letter;
+      last_letter = letter;
       pos += count;
     }
   }
@@ -113,8 +113,8 @@ class DateTimeFormatter {
   }
 
   template <std::size_t N>
-  void AppendName(const std::array<String, N>& names, int oneBasedIndex) {
-    if (oneBasedIndex >= 1 && std::size_t(oneBasedIndex) <= N) result_ += names[std::size_t(oneBasedIndex - 1)];
+  void AppendName(const std::array<String, N>& names, int one_based_index) {
+    if (one_based_index >= 1 && std::size_t(one_based_index) <= N) result_ += names[std::size_t(one_based_index - 1)];
   }
 
   bool HasTime() const { return hour_ != 0 || min_ != 0 || sec_ != 0 || msec_ != 0; }
@@ -142,9 +142,9 @@ class DateTimeFormatter {
         if (count <= 2)
           AppendNumber(day_, count);
         else if (count == 3)
-          AppendName(settings_.ShortDayNames, dayOfWeek_);
+          AppendName(settings_.ShortDayNames, day_of_week_);
         else if (count == 4)
-          AppendName(settings_.LongDayNames, dayOfWeek_);
+          AppendName(settings_.LongDayNames, day_of_week_);
         else
           Append(settings_.ShortDateFormat, nesting + 1);
         break;
@@ -188,19 +188,19 @@ class DateTimeFormatter {
 
   const TFormatSettings& settings_;
   String result_;
-  int year_ = 0, month_ = 0, day_ = 0, hour_ = 0, min_ = 0, sec_ = 0, msec_ = 0, dayOfWeek_ = 0;
+  int year_ = 0, month_ = 0, day_ = 0, hour_ = 0, min_ = 0, sec_ = 0, msec_ = 0, day_of_week_ = 0;
 };
 
 enum class DateOrder { DMY, MDY, YMD };
 
-DateOrder DateOrderOf(StringView shortDateFormat) {
+DateOrder DateOrderOf(StringView short_date_format) {
   std::size_t pos = 0;
-  while (pos < shortDateFormat.size()) {
-    if (IsQuote(shortDateFormat[pos])) {
-      pos = QuotedTextAt(shortDateFormat, pos).end;
+  while (pos < short_date_format.size()) {
+    if (IsQuote(short_date_format[pos])) {
+      pos = QuotedTextAt(short_date_format, pos).end;
       continue;
     }
-    switch (AsciiUpperChar(shortDateFormat[pos])) {
+    switch (AsciiUpperChar(short_date_format[pos])) {
       case u'D':
         return DateOrder::DMY;
       case u'M':
@@ -237,14 +237,14 @@ class LocaleReader {
     return true;
   }
 
-  // A whole number of at most nine digits; `digitCount` tells how many were written.
-  bool Number(int& value, std::size_t& digitCount) {
+  // A whole number of at most nine digits; `digit_count` tells how many were written.
+  bool Number(int& value, std::size_t& digit_count) {
     SkipBlanks();
     const StringView digits = TakeDigits();
     if (digits.empty() || digits.size() > 9) return false;
     value = 0;
     for (char16_t digit : digits) value = value * 10 + (digit - u'0');
-    digitCount = digits.size();
+    digit_count = digits.size();
     return true;
   }
 
@@ -272,24 +272,24 @@ class LocaleReader {
 };
 
 int ExpandTwoDigitYear(int year, const TFormatSettings& settings) {
-  const int centuryStart = YearOf(Now()) - settings.TwoDigitYearCenturyWindow;
-  year += centuryStart / 100 * 100;
-  if (settings.TwoDigitYearCenturyWindow > 0 && year < centuryStart) year += 100;
+  const int century_start = YearOf(Now()) - settings.TwoDigitYearCenturyWindow;
+  year += century_start / 100 * 100;
+  if (settings.TwoDigitYearCenturyWindow > 0 && year < century_start) year += 100;
   return year;
 }
 
 bool ReadDate(LocaleReader& reader, const TFormatSettings& settings, TDateTime& date) {
   int first = 0, second = 0, third = 0;
-  std::size_t yearDigits = 0;
-  if (!reader.Number(first, yearDigits) || !reader.Accept(settings.DateSeparator) || !reader.Number(second)) {
+  std::size_t year_digits = 0;
+  if (!reader.Number(first, year_digits) || !reader.Accept(settings.DateSeparator) || !reader.Number(second)) {
     return false;
   }
   const DateOrder order = DateOrderOf(settings.ShortDateFormat);
   int year = 0, month = 0, day = 0;
-  const bool threeNumbers = reader.Accept(settings.DateSeparator) && reader.NextIsDigit();
-  if (threeNumbers) {
-    std::size_t thirdDigits = 0;
-    if (!reader.Number(third, thirdDigits)) return false;
+  const bool three_numbers = reader.Accept(settings.DateSeparator) && reader.NextIsDigit();
+  if (three_numbers) {
+    std::size_t third_digits = 0;
+    if (!reader.Number(third, third_digits)) return false;
     reader.Accept(settings.DateSeparator);
     if (order == DateOrder::YMD) {
       year = first;
@@ -299,9 +299,9 @@ bool ReadDate(LocaleReader& reader, const TFormatSettings& settings, TDateTime& 
       day = order == DateOrder::DMY ? first : second;
       month = order == DateOrder::DMY ? second : first;
       year = third;
-      yearDigits = thirdDigits;
+      year_digits = third_digits;
     }
-    if (yearDigits <= 2) year = ExpandTwoDigitYear(year, settings);
+    if (year_digits <= 2) year = ExpandTwoDigitYear(year, settings);
   } else {
     // Two numbers are day and month (month first unless the day leads the short date format).
     year = YearOf(Now());

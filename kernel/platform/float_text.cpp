@@ -71,13 +71,13 @@ String FloatToStr(double value, const TFormatSettings& settings) {
     text.append(std::size_t(-decimal.exponent - 1), u'0');
     text += Ascii(digits);
   } else {
-    const std::size_t integerDigits = std::size_t(decimal.exponent) + 1;
+    const std::size_t integer_digits = std::size_t(decimal.exponent) + 1;
     const std::string_view all(digits);
-    text += Ascii(all.substr(0, integerDigits));
-    if (digits.size() < integerDigits) text.append(integerDigits - digits.size(), u'0');
-    if (digits.size() > integerDigits) {
+    text += Ascii(all.substr(0, integer_digits));
+    if (digits.size() < integer_digits) text.append(integer_digits - digits.size(), u'0');
+    if (digits.size() > integer_digits) {
       text += settings.DecimalSeparator;
-      text += Ascii(all.substr(integerDigits));
+      text += Ascii(all.substr(integer_digits));
     }
   }
   return text;
@@ -92,12 +92,12 @@ String FloatToStrUnformatted(double value) {
   const std::size_t e = text.find('e');
   int exponent = 0;
   std::from_chars(text.data() + e + (text[e + 1] == '+' ? 2 : 1), text.data() + text.size(), exponent);
-  const String exponentDigits = IntToStr(std::abs(exponent));
+  const String exponent_digits = IntToStr(std::abs(exponent));
   String result = std::signbit(value) ? u"" : u" ";
   result += Ascii(text.substr(0, e));
   result += exponent < 0 ? u"E-" : u"E+";
-  result.append(4 - exponentDigits.size(), u'0');
-  result += exponentDigits;
+  result.append(4 - exponent_digits.size(), u'0');
+  result += exponent_digits;
   return result;
 }
 
@@ -125,20 +125,20 @@ std::optional<double> ReadDecimalFloat(StringView text, FloatBlanks blanks, Stri
   std::string number;
   number.reserve(body.size());
   std::size_t pos = 0;
-  long long digitsBeforePoint = 0;
-  long long leadingZeros = 0;
-  bool nonZeroSeen = false;
-  bool separatorSeen = false;
+  long long digits_before_point = 0;
+  long long leading_zeros = 0;
+  bool non_zero_seen = false;
+  bool separator_seen = false;
   for (; pos < body.size(); ++pos) {
     const char16_t c = body[pos];
     if (c >= u'0' && c <= u'9') {
       number += char(c);
-      if (!separatorSeen) ++digitsBeforePoint;
-      nonZeroSeen = nonZeroSeen || c != u'0';
-      if (!nonZeroSeen) ++leadingZeros;
-    } else if (!separatorSeen && separators.find(c) != StringView::npos) {
+      if (!separator_seen) ++digits_before_point;
+      non_zero_seen = non_zero_seen || c != u'0';
+      if (!non_zero_seen) ++leading_zeros;
+    } else if (!separator_seen && separators.find(c) != StringView::npos) {
       number += '.';
-      separatorSeen = true;
+      separator_seen = true;
     } else {
       break;
     }
@@ -149,24 +149,24 @@ std::optional<double> ReadDecimalFloat(StringView text, FloatBlanks blanks, Stri
     if (body[pos] != u'e' && body[pos] != u'E') return std::nullopt;
     number += 'e';
     ++pos;
-    const bool negativeExponent = pos < body.size() && body[pos] == u'-';
+    const bool negative_exponent = pos < body.size() && body[pos] == u'-';
     if (pos < body.size() && (body[pos] == u'+' || body[pos] == u'-')) number += char(body[pos++]);
-    const std::size_t exponentStart = pos;
+    const std::size_t exponent_start = pos;
     for (; pos < body.size() && body[pos] >= u'0' && body[pos] <= u'9'; ++pos) {
       number += char(body[pos]);
       if (exponent < kExponentLimit) exponent = exponent * 10 + (body[pos] - u'0');
     }
-    if (pos == exponentStart || pos < body.size()) return std::nullopt;
-    if (negativeExponent) exponent = -exponent;
+    if (pos == exponent_start || pos < body.size()) return std::nullopt;
+    if (negative_exponent) exponent = -exponent;
   }
 
   double magnitude = 0;
   const auto [end, error] = std::from_chars(number.data(), number.data() + number.size(), magnitude);
   if (end != number.data() + number.size()) return std::nullopt;
   if (error == std::errc::result_out_of_range) {
-    const long long order = digitsBeforePoint - leadingZeros + exponent;
-    if (nonZeroSeen && order > 0) return std::nullopt;  // too large
-    magnitude = 0;                                      // too small: reads as zero
+    const long long order = digits_before_point - leading_zeros + exponent;
+    if (non_zero_seen && order > 0) return std::nullopt;  // too large
+    magnitude = 0;                                        // too small: reads as zero
   } else if (error != std::errc()) {
     return std::nullopt;
   }

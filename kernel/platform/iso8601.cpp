@@ -76,8 +76,8 @@ bool ReadTime(IsoReader& reader, std::int64_t& milliseconds) {
   if (!reader.Number(2, hour)) return false;
   const bool extended = reader.Accept(u':');
   if (!reader.Number(2, min)) return false;
-  const bool hasSeconds = extended ? reader.Accept(u':') : reader.DigitsAhead() >= 2;
-  if (hasSeconds) {
+  const bool has_seconds = extended ? reader.Accept(u':') : reader.DigitsAhead() >= 2;
+  if (has_seconds) {
     if (!reader.Number(2, sec)) return false;
     if (reader.AcceptAnyOf(u".,")) {
       const StringView fraction = reader.TakeDigits();
@@ -106,34 +106,34 @@ bool ReadZone(IsoReader& reader, std::int64_t& offset) {
 
 }  // namespace
 
-String DateToISO8601(TDateTime value, bool inputIsUTC) {
+String DateToISO8601(TDateTime value, bool input_is_utc) {
   // The pattern's ':' is the time separator of the settings: the default record gives the colon.
   static const TFormatSettings kIsoSettings;
   String text = FormatDateTime(u"yyyy-mm-dd'T'hh:nn:ss.zzz", value, kIsoSettings);
-  if (inputIsUTC) text += u'Z';
+  if (input_is_utc) text += u'Z';
   return text;
 }
 
-bool TryISO8601ToDate(StringView text, TDateTime& value, bool returnUTC) {
+bool TryISO8601ToDate(StringView text, TDateTime& value, bool return_utc) {
   IsoReader reader(TrimBlanks(text));
   TDateTime date = 0;
   if (!ReadDate(reader, date)) return false;
-  std::int64_t timeOfDay = 0;
+  std::int64_t time_of_day = 0;
   std::int64_t offset = 0;
   if (!reader.AtEnd()) {
-    if (!reader.AcceptAnyOf(u"Tt ") || !ReadTime(reader, timeOfDay)) return false;
+    if (!reader.AcceptAnyOf(u"Tt ") || !ReadTime(reader, time_of_day)) return false;
     if (!reader.AtEnd() && !ReadZone(reader, offset)) return false;
     if (!reader.AtEnd()) return false;
   }
-  const TDateTime result = IncMilliSecond(date, timeOfDay - (returnUTC ? offset : 0));
+  const TDateTime result = IncMilliSecond(date, time_of_day - (return_utc ? offset : 0));
   if (YearOf(result) == 0) return false;
   value = result;
   return true;
 }
 
-TDateTime ISO8601ToDate(StringView text, bool returnUTC) {
+TDateTime ISO8601ToDate(StringView text, bool return_utc) {
   TDateTime value = 0;
-  if (!TryISO8601ToDate(text, value, returnUTC)) {
+  if (!TryISO8601ToDate(text, value, return_utc)) {
     throw EConvertError(u"'" + String(text) + u"' is not a valid ISO 8601 date and time");
   }
   return value;

@@ -68,7 +68,7 @@ int64_t TStream::CopyFrom(TStream& source, int64_t count) {
     source.SetPosition(0);
     count = source.Size();
   }
-  constexpr int64_t kChunk = 64 * 1024;
+  constexpr int64_t kChunk = int64_t{64} * 1024;
   std::vector<std::byte> chunk(static_cast<std::size_t>(std::min(count, kChunk)));
   for (int64_t left = count; left > 0;) {
     const auto part = std::span(chunk).first(static_cast<std::size_t>(std::min(left, kChunk)));

@@ -52,12 +52,13 @@ size_t FindSeparatorWithin255(StringView S, char16_t Sep) {
 
 enum class SecondWhenEmpty { Clear, Keep };
 
-bool SplitAtSeparator(StringView S, char16_t Sep, bool trim, SecondWhenEmpty whenEmpty, String& First, String& Second) {
+bool SplitAtSeparator(StringView S, char16_t Sep, bool trim, SecondWhenEmpty when_empty, String& First,
+                      String& Second) {
   const size_t index = FindSeparatorWithin255(S, Sep);
   const bool found = index != StringView::npos;
   const StringView rest = found ? S.substr(index + 1) : StringView();
   First = Part(S.substr(0, index), trim);
-  if (!rest.empty() || whenEmpty == SecondWhenEmpty::Clear) Second = Part(rest, trim);
+  if (!rest.empty() || when_empty == SecondWhenEmpty::Clear) Second = Part(rest, trim);
   return found;
 }
 
