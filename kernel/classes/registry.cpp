@@ -39,6 +39,14 @@ void TVeskaClass::Publish(Publisher<TVeskaClass>& p) {
   p.Property(u"Unit_Name", &TVeskaClass::GetUnit_Name).Stored(false);
 }
 
+void TVeskaClass::SetName(const String& name) {
+  inherited::SetName(name);
+  // The registries that hold the record find it by name.
+  for (int i = 0; i < GetOwnersCount(); ++i) {
+    if (auto* registry = ObjectAs<TVeskaClasses>(GetOwnerEntity(i))) registry->RebuildNameIndex();
+  }
+}
+
 void TVeskaClass::SetElementClass(const ClassInfo* element_class) {
   element_class_ = element_class;
   table_.clear();
@@ -67,7 +75,7 @@ void TVeskaClass::ShowProperties() {
   }
 }
 
-int TVeskaClass::PropertyIndex(const String& name) const {
+int TVeskaClass::PropertyIndex(StringView name) const {
   for (std::size_t i = 0; i < table_.size(); ++i) {
     if (SameText(table_[i]->Name(), name)) return static_cast<int>(i);
   }
@@ -99,7 +107,7 @@ bool TVeskaClass::GetPropertyIsReadOrWriteOnly(int index) const {
   return !(property->CanRead() && property->CanWrite());
 }
 
-bool TVeskaClass::IsClassName(const String& name) const { return SameText(GetName(), name); }
+bool TVeskaClass::IsClassName(StringView name) const { return SameText(GetName(), name); }
 
 String TVeskaClass::GetElementClassName() const { return element_class_ ? element_class_->Name() : String(); }
 
@@ -229,9 +237,17 @@ void TVeskaClasses::SetSortByName(bool /*value*/) {}
 
 namespace {
 
+bool IsAscii(StringView name) {
+  return std::all_of(name.begin(), name.end(), [](char16_t c) { return c < 0x80; });
+}
+
+// Whether the record's name is its own and in ASCII, where the case-folded comparison of the
+// list and that of the name index agree.
+bool IsAsciiName(const TVeskaClass* record) { return record->StoredName() != nullptr && IsAscii(*record->StoredName()); }
+
 // Compares a name with a member's name.  Class records are compared with their stored name in
 // place: the search runs on every creation by class name, and copying names dominated it.
-int CompareWithName(const String& name, const TElement* member) {
+int CompareWithName(StringView name, const TElement* member) {
   if (member->ClassType().InheritsFrom(TVeskaClass::StaticClassInfo())) {
     if (const String* stored = static_cast<const TVeskaClass*>(member)->StoredName()) return CompareText(name, *stored);
   }
@@ -243,7 +259,7 @@ int CompareWithName(const String& name, const TElement* member) {
 // A binary search that tests the last record first and the first record second, so that
 // names registered in ascending order cost one comparison each.  An equal name found at the
 // end is appended behind it; a duplicate is thereby kept behind the record found first.
-int TVeskaClasses::FindIndex(const String& name, int& insert_index) {
+int TVeskaClasses::FindIndex(StringView name, int& insert_index) {
   insert_index = -1;
   if (NoElements()) return -1;
   int lo = 0;
@@ -283,6 +299,7 @@ int TVeskaClasses::FindIndex(const String& name, int& insert_index) {
 }
 
 void TVeskaClasses::InsertByName(TVeskaClass* record) {
+  const bool index_held = NameIndexHolds();
   int insert_index = -1;
   FindIndex(record->GetName(), insert_index);
   if (insert_index < 0) {
@@ -291,6 +308,36 @@ void TVeskaClasses::InsertByName(TVeskaClass* record) {
     InsertElement(insert_index, record);
   }
   current_.store(record, std::memory_order_relaxed);
+  // A record inserted at its place keeps the list sorted, and it stands behind any record of
+  // its name (the search puts an equal name behind the one it finds), so the index gains it
+  // without changing the record it gives for that name.
+  if (index_held && IsAsciiName(record)) {
+    name_index_.AddIfAbsent(*record->StoredName(), record);
+    name_index_list_state_ = Elements().Changes();
+  } else {
+    RebuildNameIndex();
+  }
+}
+
+bool TVeskaClasses::NameIndexHolds() {
+  return name_index_in_use_ && HasList() && name_index_list_state_ == Elements().Changes();
+}
+
+void TVeskaClasses::RebuildNameIndex() {
+  name_index_.Clear();
+  name_index_in_use_ = false;
+  const TVeskaClass* previous = nullptr;
+  for (void* item : Elements()) {
+    auto* record = ObjectAs<TVeskaClass>(static_cast<TElement*>(item));
+    if (record == nullptr || !IsAsciiName(record)) return;
+    // A list out of order (records renamed in place) is left to the search, whose answers
+    // the index could not reproduce.
+    if (previous != nullptr && CompareText(*previous->StoredName(), *record->StoredName()) > 0) return;
+    name_index_.AddIfAbsent(*record->StoredName(), record);
+    previous = record;
+  }
+  name_index_in_use_ = true;
+  name_index_list_state_ = Elements().Changes();
 }
 
 void TVeskaClasses::AddVeskaClass(TVeskaClass* record) {
@@ -308,7 +355,17 @@ void TVeskaClasses::AddClass(const ClassInfo& element_class) {
   InsertByName(record);
 }
 
-TVeskaClass* TVeskaClasses::RecordNamed(const String& name) {
+TVeskaClass* TVeskaClasses::RecordNamed(StringView name) {
+  if (NameIndexHolds()) {
+    // Every indexed name is in ASCII: a name beyond it is never found there, but the search,
+    // which folds case by Unicode rules, may still find it equal to one.
+    if (TVeskaClass* const* found = name_index_.Find(name)) return *found;
+    if (IsAscii(name)) return nullptr;
+  }
+  return SearchRecordNamed(name);
+}
+
+TVeskaClass* TVeskaClasses::SearchRecordNamed(StringView name) {
   int insert_index = -1;
   int index = FindIndex(name, insert_index);
   if (index < 0) return nullptr;
@@ -318,32 +375,32 @@ TVeskaClass* TVeskaClasses::RecordNamed(const String& name) {
   return ObjectAs<TVeskaClass>(Get(index));
 }
 
-TVeskaClass* TVeskaClasses::GetVeskaClassByName(const String& name) {
+TVeskaClass* TVeskaClasses::GetVeskaClassByName(StringView name) {
   TVeskaClass* record = RecordNamed(name);
   if (record != nullptr) current_.store(record, std::memory_order_relaxed);
   return record;
 }
 
-const ClassInfo* TVeskaClasses::GetClass(const String& name) {
+const ClassInfo* TVeskaClasses::GetClass(StringView name) {
   TVeskaClass* record = GetVeskaClassByName(name);
   return record != nullptr ? record->ElementClass() : nullptr;
 }
 
-const ClassInfo* TVeskaClasses::ClassNamed(const String& name) {
+const ClassInfo* TVeskaClasses::ClassNamed(StringView name) {
   const TVeskaClass* record = RecordNamed(name);
   return record != nullptr ? record->ElementClass() : nullptr;
 }
 
 namespace {
 
-const ClassInfo& FoundOrRaise(const ClassInfo* found, const String& name) {
-  if (found == nullptr) throw EClassNotFound(u"Veska nenašel třídu " + name);
+const ClassInfo& FoundOrRaise(const ClassInfo* found, StringView name) {
+  if (found == nullptr) throw EClassNotFound(String(u"Veska nenašel třídu ").append(name));
   return *found;
 }
 
 }  // namespace
 
-const ClassInfo* TVeskaClasses::FindClass(const String& name) { return &FoundOrRaise(GetClass(name), name); }
+const ClassInfo* TVeskaClasses::FindClass(StringView name) { return &FoundOrRaise(GetClass(name), name); }
 
 // --- free functions -------------------------------------------------------------------------
 
@@ -381,9 +438,9 @@ void InstallStartUpSequence(StartUpSequence sequence) {
 
 void RegisterVeskaClass(const ClassInfo& element_class) { VeskaClasses().AddClass(element_class); }
 
-const ClassInfo* GetVeskaClass(const String& name) { return VeskaClasses().ClassNamed(name); }
+const ClassInfo* GetVeskaClass(StringView name) { return VeskaClasses().ClassNamed(name); }
 
-const ClassInfo* FindVeskaClass(const String& name) { return &FoundOrRaise(GetVeskaClass(name), name); }
+const ClassInfo* FindVeskaClass(StringView name) { return &FoundOrRaise(GetVeskaClass(name), name); }
 
 TElement* CreateElementCopy(TElement* element) {
   TVeskaInstance instance;
@@ -398,13 +455,13 @@ void CHeckVeskaClasses() {
   }
 }
 
-TElement* CreateElementByName(const String& name) {
+TElement* CreateElementByName(StringView name) {
   const ClassInfo* cls = GetVeskaClass(name);
-  if (cls == nullptr) cls = GetVeskaClass(u"T" + name);
+  if (cls == nullptr) cls = GetVeskaClass(String(u"T").append(name));
   if (cls != nullptr) {
     if (auto* element = CreateObjectAs<TElement>(*cls)) return element;
   }
-  ShowMessage(u"Neregistrovaný element: " + name, MessageKind::Error);
+  ShowMessage(String(u"Neregistrovaný element: ").append(name), MessageKind::Error);
   return nullptr;
 }
 

@@ -7,6 +7,7 @@
 #include <vector>
 
 #include "kernel/elements/named.h"
+#include "kernel/platform/folded_name_index.h"
 #include "kernel/platform/unit_classes.h"
 
 namespace veska {
@@ -50,7 +51,9 @@ class TVeskaClass : public TOwnerEntity {
   // Rebuilds the children: one TVeskaClassProperty per published property.
   virtual void ShowProperties();
   // The first property of that name, case ignored; -1 when none.
-  virtual int PropertyIndex(const String& name) const;
+  virtual int PropertyIndex(StringView name) const;
+  // Renaming a record that a registry holds brings the registry's name index up to date.
+  void SetName(const String& name) override;
 
   const ClassInfo* ElementClass() const { return element_class_; }
   void SetElementClass(const ClassInfo* element_class);
@@ -65,7 +68,7 @@ class TVeskaClass : public TOwnerEntity {
   bool GetPropertyIsReadOnly(int index) const;
   bool GetPropertyIsWriteOnly(int index) const;
   bool GetPropertyIsReadOrWriteOnly(int index) const;
-  bool IsClassName(const String& name) const;
+  bool IsClassName(StringView name) const;
 
   // The record's own name, or none when it has none and GetName gives the class name.
   const String* StoredName() const { return FName.empty() ? nullptr : &FName; }
@@ -120,19 +123,19 @@ class TVeskaClasses : public TOwnerEntity {
   virtual void AddVeskaClass(TVeskaClass* record);
   virtual void AddClass(const ClassInfo& element_class);
   // Both make the record found the current class.
-  virtual TVeskaClass* GetVeskaClassByName(const String& name);
-  virtual const ClassInfo* GetClass(const String& name);
+  virtual TVeskaClass* GetVeskaClassByName(StringView name);
+  virtual const ClassInfo* GetClass(StringView name);
   // GetClass, raising EClassNotFound "Veska nenašel třídu " + name when unknown.
-  virtual const ClassInfo* FindClass(const String& name);
+  virtual const ClassInfo* FindClass(StringView name);
 
   // The position of a record of that name, or -1; insert_index tells where a new record of
   // that name belongs, -1 meaning the end.
-  int FindIndex(const String& name, int& insert_index);
+  int FindIndex(StringView name, int& insert_index);
 
   // The element class of the record of that name, as GetClass finds it, leaving the current
   // class as it is: the lookup behind GetVeskaClass and creation by class name, which must be
   // safe from any thread once start-up is over.
-  const ClassInfo* ClassNamed(const String& name);
+  const ClassInfo* ClassNamed(StringView name);
 
   TVeskaClass* CurrentClass() const { return current_.load(std::memory_order_relaxed); }
   bool ShowProperties = false;
@@ -150,11 +153,29 @@ class TVeskaClasses : public TOwnerEntity {
   // Inserts the record at its place by name and makes it the current class.
   void InsertByName(TVeskaClass* record);
   // The first record of that name; none when there is none.
-  TVeskaClass* RecordNamed(const String& name);
+  TVeskaClass* RecordNamed(StringView name);
+  // RecordNamed by the search of the sorted list, which the name index stands in for.
+  TVeskaClass* SearchRecordNamed(StringView name);
+  // Whether the name index answers for the list as it is now.
+  bool NameIndexHolds();
+  // Builds the name index afresh from the list, or leaves it unused when it cannot answer.
+  void RebuildNameIndex();
 
   // Written by registration (start-up) and by the documented lookups of the registry itself;
   // atomic so that those lookups, too, may run beside each other.
   std::atomic<TVeskaClass*> current_{nullptr};
+
+  // The records by name, for the lookups by name; the sorted list stays the truth.  The index
+  // answers exactly as the search of the list does, so it is used only while the list is in
+  // order and every record has a stored name in ASCII (beyond ASCII the comparison folds case
+  // by Unicode rules), and only for the list as it was when the index was built: a change of
+  // the list made other than by registration leaves the lookups to the search until the next
+  // registration rebuilds the index.  A renamed record rebuilds it at once.
+  FoldedNameIndex<TVeskaClass*> name_index_;
+  bool name_index_in_use_ = false;
+  uint64_t name_index_list_state_ = 0;
+  friend class TVeskaClass;  // a renamed record rebuilds the index
+
   int32_t registration_counter_ = 0;
   std::vector<String> registered_units_;
 };
@@ -181,12 +202,12 @@ template <RunTimeClass T>
 void RegisterVeskaClass() {
   RegisterVeskaClass(T::StaticClassInfo());
 }
-const ClassInfo* GetVeskaClass(const String& name);
-const ClassInfo* FindVeskaClass(const String& name);
+const ClassInfo* GetVeskaClass(StringView name);
+const ClassInfo* FindVeskaClass(StringView name);
 TElement* CreateElementCopy(TElement* element);
 // A new element of the class registered under the name (or under "T" + name); none, with the
 // message "Neregistrovaný element: " + name, when no such class is registered.
-TElement* CreateElementByName(const String& name);
+TElement* CreateElementByName(StringView name);
 void CHeckVeskaClasses();
 
 }  // namespace veska

@@ -254,17 +254,17 @@ void TElement::ResetID() {
 
 void TElement::ResetIDs() { ID = BaseID; }
 
-bool TElement::HasPropertyByName(const String& name) const { return GetPropIndex(this, name) >= 0; }
+bool TElement::HasPropertyByName(StringView name) const { return GetPropIndex(this, name) >= 0; }
 
-String TElement::GetPropertyStringByName(const String& name) const { return GetPropStringByName(this, name); }
+String TElement::GetPropertyStringByName(StringView name) const { return GetPropStringByName(this, name); }
 
-bool TElement::SetPropertyStringByName(const String& name, const String& value) {
+bool TElement::SetPropertyStringByName(StringView name, const String& value) {
   return SetPropStringByName(this, name, value);
 }
 
 // The typed by-name accessors read and write through the property's own family; a property
 // of another family, or none of that name, gives the neutral value and writes nothing.
-double TElement::GetPropertyFloatByName(const String& name) const {
+double TElement::GetPropertyFloatByName(StringView name) const {
   const PropInfo* property = ClassType().FindProperty(name);
   if (property == nullptr || !property->CanRead()) return 0;
   if (property->Family() == ValueFamily::Float) return property->GetFloat(*this);
@@ -272,35 +272,35 @@ double TElement::GetPropertyFloatByName(const String& name) const {
   return 0;
 }
 
-bool TElement::SetPropertyFloatByName(const String& name, double value) {
+bool TElement::SetPropertyFloatByName(StringView name, double value) {
   const PropInfo* property = ClassType().FindProperty(name);
   if (property == nullptr) return false;
   if (property->CanWrite() && property->Family() == ValueFamily::Float) property->SetFloat(*this, value);
   return true;
 }
 
-int64_t TElement::GetPropertyLongIntByName(const String& name) const {
+int64_t TElement::GetPropertyLongIntByName(StringView name) const {
   const PropInfo* property = ClassType().FindProperty(name);
   if (property == nullptr || !property->CanRead() || property->Family() != ValueFamily::Ordinal) return 0;
   return property->GetOrd(*this);
 }
 
-bool TElement::SetPropertyLongIntByName(const String& name, int64_t value) {
+bool TElement::SetPropertyLongIntByName(StringView name, int64_t value) {
   const PropInfo* property = ClassType().FindProperty(name);
   if (property == nullptr) return false;
   if (property->CanWrite() && property->Family() == ValueFamily::Ordinal) property->SetOrd(*this, value);
   return true;
 }
 
-int32_t TElement::GetPropertyIntByName(const String& name) const {
+int32_t TElement::GetPropertyIntByName(StringView name) const {
   return static_cast<int32_t>(GetPropertyLongIntByName(name));
 }
 
-bool TElement::SetPropertyIntByName(const String& name, int32_t value) { return SetPropertyLongIntByName(name, value); }
+bool TElement::SetPropertyIntByName(StringView name, int32_t value) { return SetPropertyLongIntByName(name, value); }
 
-bool TElement::GetPropertyBooleanByName(const String& name) const { return GetPropertyLongIntByName(name) != 0; }
+bool TElement::GetPropertyBooleanByName(StringView name) const { return GetPropertyLongIntByName(name) != 0; }
 
-bool TElement::SetPropertyBooleanByName(const String& name, bool value) {
+bool TElement::SetPropertyBooleanByName(StringView name, bool value) {
   return SetPropertyLongIntByName(name, value ? 1 : 0);
 }
 

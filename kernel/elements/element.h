@@ -97,17 +97,17 @@ class TElement : public TPersistent {
   virtual TObject* ExecuteCommandLineToElement(const String& Command);
 
   // Published properties by name, as text and typed.
-  virtual bool HasPropertyByName(const String& name) const;
-  virtual String GetPropertyStringByName(const String& name) const;
-  virtual bool SetPropertyStringByName(const String& name, const String& value);
-  virtual double GetPropertyFloatByName(const String& name) const;
-  virtual bool SetPropertyFloatByName(const String& name, double value);
-  virtual int64_t GetPropertyLongIntByName(const String& name) const;
-  virtual bool SetPropertyLongIntByName(const String& name, int64_t value);
-  virtual int32_t GetPropertyIntByName(const String& name) const;
-  virtual bool SetPropertyIntByName(const String& name, int32_t value);
-  virtual bool GetPropertyBooleanByName(const String& name) const;
-  virtual bool SetPropertyBooleanByName(const String& name, bool value);
+  virtual bool HasPropertyByName(StringView name) const;
+  virtual String GetPropertyStringByName(StringView name) const;
+  virtual bool SetPropertyStringByName(StringView name, const String& value);
+  virtual double GetPropertyFloatByName(StringView name) const;
+  virtual bool SetPropertyFloatByName(StringView name, double value);
+  virtual int64_t GetPropertyLongIntByName(StringView name) const;
+  virtual bool SetPropertyLongIntByName(StringView name, int64_t value);
+  virtual int32_t GetPropertyIntByName(StringView name) const;
+  virtual bool SetPropertyIntByName(StringView name, int32_t value);
+  virtual bool GetPropertyBooleanByName(StringView name) const;
+  virtual bool SetPropertyBooleanByName(StringView name, bool value);
 
   virtual bool Life_Cycle_Is_Alive() const;
   virtual bool Life_Cycle_Is_Implemented() const;

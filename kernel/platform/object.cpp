@@ -44,6 +44,7 @@ ClassInfo::ClassInfo(StringView name, const ClassInfo* parent, StringView unit_n
     : name_(name), parent_(parent), unit_name_(unit_name), instance_size_(instance_size), factory_(factory) {
   if (parent_ != nullptr) all_properties_ = parent_->all_properties_;
   if (publish != nullptr) publish(*this);
+  for (const PropInfo* property : all_properties_) property_index_.AddIfAbsent(property->Name(), property);
 }
 
 bool ClassInfo::InheritsFrom(const ClassInfo& ancestor) const {
@@ -54,16 +55,8 @@ bool ClassInfo::InheritsFrom(const ClassInfo& ancestor) const {
 }
 
 const PropInfo* ClassInfo::FindProperty(StringView name) const {
-  for (const PropInfo* property : all_properties_) {
-    const String& candidate = property->Name();
-    if (candidate.size() != name.size()) continue;
-    bool equal = true;
-    for (std::size_t i = 0; i < name.size() && equal; ++i) {
-      equal = AsciiUpperChar(candidate[i]) == AsciiUpperChar(name[i]);
-    }
-    if (equal) return property;
-  }
-  return nullptr;
+  const PropInfo* const* found = property_index_.Find(name);
+  return found != nullptr ? *found : nullptr;
 }
 
 PropInfo& ClassInfo::AddProperty(PropInfo property) {

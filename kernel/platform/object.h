@@ -26,6 +26,7 @@
 #include <type_traits>
 #include <vector>
 
+#include "kernel/platform/folded_name_index.h"
 #include "kernel/platform/prop_info.h"
 
 namespace veska {
@@ -132,6 +133,8 @@ class ClassInfo {
   Factory factory_;
   std::deque<PropInfo> own_properties_;  // a deque keeps the records at fixed addresses
   std::vector<const PropInfo*> all_properties_;
+  // Every property by name, built once the class is described.
+  FoldedNameIndex<const PropInfo*> property_index_;
 };
 
 template <class T>

@@ -37,21 +37,25 @@ void* TList::Get(int index) const {
 void TList::Put(int index, void* item) {
   CheckIndex(index);
   items_[static_cast<std::size_t>(index)] = item;
+  ++changes_;
 }
 
 int TList::Add(void* item) {
   items_.push_back(item);
+  ++changes_;
   return Count() - 1;
 }
 
 void TList::Insert(int index, void* item) {
   if (index < 0 || index > Count()) ListIndexError(index);
   items_.insert(items_.begin() + index, item);
+  ++changes_;
 }
 
 void TList::Delete(int index) {
   CheckIndex(index);
   items_.erase(items_.begin() + index);
+  ++changes_;
 }
 
 int TList::Remove(void* item) {
@@ -69,6 +73,7 @@ void TList::Exchange(int index1, int index2) {
   CheckIndex(index1);
   CheckIndex(index2);
   std::swap(items_[static_cast<std::size_t>(index1)], items_[static_cast<std::size_t>(index2)]);
+  ++changes_;
 }
 
 }  // namespace veska

@@ -5,6 +5,7 @@
 #pragma once
 
 #include <cstddef>
+#include <cstdint>
 #include <vector>
 
 namespace veska {
@@ -34,7 +35,13 @@ class TList {
   int Remove(void* item);                        // removes the first occurrence; its index, or -1
   int IndexOf(const void* item) const noexcept;  // the first occurrence, or -1
   void Exchange(int index1, int index2);
-  void Clear() noexcept { items_.clear(); }
+  void Clear() noexcept {
+    items_.clear();
+    ++changes_;
+  }
+  // Counts every change of the items (not of the capacity), so that an index kept beside the
+  // list can tell whether it still describes the list.
+  uint64_t Changes() const noexcept { return changes_; }
 
   // Iteration over the items in order, without index checks.
   auto begin() const noexcept { return items_.begin(); }
@@ -44,6 +51,7 @@ class TList {
   void CheckIndex(int index) const;
 
   std::vector<void*> items_;
+  uint64_t changes_ = 0;
 };
 
 }  // namespace veska

@@ -66,18 +66,21 @@ class PropInfo {
 
   // Typed access.  A read of a write-only property, a write of a read-only one, or access
   // through the wrong family raises EPropertyError naming the property.
-  int64_t GetOrd(const TObject& object) const;
-  void SetOrd(TObject& object, int64_t value) const;
-  double GetFloat(const TObject& object) const;
-  void SetFloat(TObject& object, double value) const;
-  String GetStr(const TObject& object) const;
-  void SetStr(TObject& object, const String& value) const;
-  TObject* GetObj(const TObject& object) const;
-  void SetObj(TObject& object, TObject* value) const;
-  TMethod GetMethod(const TObject& object) const;
-  void SetMethod(TObject& object, const TMethod& value) const;
-  Variant GetVariant(const TObject& object) const;
-  void SetVariant(TObject& object, const Variant& value) const;
+  // Inline, as they run on every typed access by name.
+  int64_t GetOrd(const TObject& object) const { return Reader(ValueFamily::Ordinal).GetOrd(object); }
+  void SetOrd(TObject& object, int64_t value) const { Writer(ValueFamily::Ordinal).SetOrd(object, value); }
+  double GetFloat(const TObject& object) const { return Reader(ValueFamily::Float).GetFloat(object); }
+  void SetFloat(TObject& object, double value) const { Writer(ValueFamily::Float).SetFloat(object, value); }
+  String GetStr(const TObject& object) const { return Reader(ValueFamily::Text).GetStr(object); }
+  void SetStr(TObject& object, const String& value) const { Writer(ValueFamily::Text).SetStr(object, value); }
+  TObject* GetObj(const TObject& object) const { return Reader(ValueFamily::Object).GetObj(object); }
+  void SetObj(TObject& object, TObject* value) const { Writer(ValueFamily::Object).SetObj(object, value); }
+  TMethod GetMethod(const TObject& object) const { return Reader(ValueFamily::Method).GetMethod(object); }
+  void SetMethod(TObject& object, const TMethod& value) const { Writer(ValueFamily::Method).SetMethod(object, value); }
+  Variant GetVariant(const TObject& object) const { return Reader(ValueFamily::VariantValue).GetVariant(object); }
+  void SetVariant(TObject& object, const Variant& value) const {
+    Writer(ValueFamily::VariantValue).SetVariant(object, value);
+  }
 
  private:
   template <class Owner>
@@ -85,8 +88,18 @@ class PropInfo {
   friend class PropertyBuilder;
   friend class ClassInfo;
 
-  const PropertyAccessor& Reader(ValueFamily family) const;
-  const PropertyAccessor& Writer(ValueFamily family) const;
+  const PropertyAccessor& Reader(ValueFamily family) const {
+    if (family != family_ || !CanRead()) [[unlikely]]
+      RaiseAccessError(family, false);
+    return *accessor_;
+  }
+  const PropertyAccessor& Writer(ValueFamily family) const {
+    if (family != family_ || !CanWrite()) [[unlikely]]
+      RaiseAccessError(family, true);
+    return *accessor_;
+  }
+  // EPropertyError: the wrong family first, else no read (or write) access.
+  [[noreturn]] void RaiseAccessError(ValueFamily family, bool writing) const;
 
   String name_;
   const TypeInfo* type_;

@@ -275,19 +275,19 @@ void TStringListElement::ParamToNames() {
   }
 }
 
-String TStringListElement::GetPropertyStringByName(const String& Name) const {
+String TStringListElement::GetPropertyStringByName(StringView Name) const {
   String text = inherited::GetPropertyStringByName(Name);
   // The entity's member access is not const; looking an entry up changes nothing.
-  if (text.empty()) text = const_cast<TStringListElement*>(this)->GetStringByName(Name);
+  if (text.empty()) text = const_cast<TStringListElement*>(this)->GetStringByName(String(Name));
   return text;
 }
 
-bool TStringListElement::SetPropertyStringByName(const String& Name, const String& Value) {
+bool TStringListElement::SetPropertyStringByName(StringView Name, const String& Value) {
   const int index = GetPropIndex(this, Name);
   if (index >= 0) {
     SetPropString(this, index, Value);
   } else {
-    SetStringByName(Name, Value);
+    SetStringByName(String(Name), Value);
   }
   return true;
 }

@@ -99,10 +99,10 @@ class TStringListElement : public TOwnerEntity {
   void ParamToNames();
 
   // The published property of that name; when that reads empty, the entry of that name.
-  String GetPropertyStringByName(const String& Name) const override;
+  String GetPropertyStringByName(StringView Name) const override;
   // The published property of that name when the class has one; otherwise the entry of that
   // name, which is created when missing.  Always true.
-  bool SetPropertyStringByName(const String& Name, const String& Value) override;
+  bool SetPropertyStringByName(StringView Name, const String& Value) override;
 
   static void Publish(Publisher<TStringListElement>& p);
 
