@@ -49,6 +49,8 @@ void TVeskaClass::SetName(const String& name) {
 
 void TVeskaClass::SetElementClass(const ClassInfo* element_class) {
   element_class_ = element_class;
+  creates_elements_ = element_class_ != nullptr && element_class_->CanCreate() &&
+                      element_class_->InheritsFrom(TElement::StaticClassInfo());
   table_.clear();
   has_table_ = false;
   if (element_class_ == nullptr) return;  // PropCount keeps its old value
@@ -313,14 +315,14 @@ void TVeskaClasses::InsertByName(TVeskaClass* record) {
   // without changing the record it gives for that name.
   if (index_held && IsAsciiName(record)) {
     name_index_.AddIfAbsent(*record->StoredName(), record);
-    name_index_list_state_ = Elements().Changes();
+    name_index_list_state_ = ListChanges();
   } else {
     RebuildNameIndex();
   }
 }
 
-bool TVeskaClasses::NameIndexHolds() {
-  return name_index_in_use_ && HasList() && name_index_list_state_ == Elements().Changes();
+bool TVeskaClasses::NameIndexHolds() const {
+  return name_index_in_use_ && name_index_list_state_ == ListChanges();
 }
 
 void TVeskaClasses::RebuildNameIndex() {
@@ -337,7 +339,7 @@ void TVeskaClasses::RebuildNameIndex() {
     previous = record;
   }
   name_index_in_use_ = true;
-  name_index_list_state_ = Elements().Changes();
+  name_index_list_state_ = ListChanges();
 }
 
 void TVeskaClasses::AddVeskaClass(TVeskaClass* record) {
@@ -407,7 +409,6 @@ const ClassInfo* TVeskaClasses::FindClass(StringView name) { return &FoundOrRais
 namespace {
 
 std::atomic<StartUpSequence> installed_start_up{nullptr};
-std::atomic<bool> registry_created{false};
 
 }  // namespace
 
@@ -417,13 +418,13 @@ void TVeskaClasses::RegisterUnit(const UnitClasses& unit) {
   for (const ClassInfoSource class_info : unit.classes) AddClass(class_info());
 }
 
-TVeskaClasses& VeskaClasses() {
+TVeskaClasses& detail::CreateProcessRegistry() {
   // Created once, filled by the installed start-up sequence; never freed.
   static TVeskaClasses* const registry = [] {
     auto* created = new TVeskaClasses;
     created->ShowProperties = true;
     if (const StartUpSequence start_up = installed_start_up.load()) start_up(*created);
-    registry_created = true;
+    process_registry.store(created, std::memory_order_release);
     return created;
   }();
   return *registry;
@@ -433,7 +434,7 @@ void InstallStartUpSequence(StartUpSequence sequence) {
   installed_start_up = sequence;
   // A registry created before the installation (from another unit's start-up code) is filled
   // now; its units' guards keep a second run from registering anything twice.
-  if (registry_created && sequence != nullptr) sequence(VeskaClasses());
+  if (detail::process_registry.load(std::memory_order_acquire) != nullptr && sequence != nullptr) sequence(VeskaClasses());
 }
 
 void RegisterVeskaClass(const ClassInfo& element_class) { VeskaClasses().AddClass(element_class); }
@@ -456,10 +457,15 @@ void CHeckVeskaClasses() {
 }
 
 TElement* CreateElementByName(StringView name) {
-  const ClassInfo* cls = GetVeskaClass(name);
-  if (cls == nullptr) cls = GetVeskaClass(String(u"T").append(name));
-  if (cls != nullptr) {
-    if (auto* element = CreateObjectAs<TElement>(*cls)) return element;
+  TVeskaClasses& registry = VeskaClasses();
+  const auto class_record = [&registry](StringView class_name) -> const TVeskaClass* {
+    const TVeskaClass* record = registry.RecordNamed(class_name);
+    return record != nullptr && record->ElementClass() != nullptr ? record : nullptr;
+  };
+  const TVeskaClass* record = class_record(name);
+  if (record == nullptr) record = class_record(String(u"T").append(name));
+  if (record != nullptr) {
+    if (TElement* element = record->NewElement()) return element;
   }
   ShowMessage(String(u"Neregistrovaný element: ").append(name), MessageKind::Error);
   return nullptr;

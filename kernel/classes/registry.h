@@ -56,6 +56,11 @@ class TVeskaClass : public TOwnerEntity {
   void SetName(const String& name) override;
 
   const ClassInfo* ElementClass() const { return element_class_; }
+  // A new element of the element class; none when the class is not an element class or
+  // cannot be created.
+  TElement* NewElement() const {
+    return creates_elements_ ? static_cast<TElement*>(element_class_->Create()) : nullptr;
+  }
   void SetElementClass(const ClassInfo* element_class);
   bool HasPropertyTable() const { return has_table_; }
 
@@ -88,6 +93,7 @@ class TVeskaClass : public TOwnerEntity {
 
  private:
   const ClassInfo* element_class_ = nullptr;
+  bool creates_elements_ = false;  // decided once, as creation by class name asks every time
   std::vector<const PropInfo*> table_;
   bool has_table_ = false;
 };
@@ -136,6 +142,8 @@ class TVeskaClasses : public TOwnerEntity {
   // class as it is: the lookup behind GetVeskaClass and creation by class name, which must be
   // safe from any thread once start-up is over.
   const ClassInfo* ClassNamed(StringView name);
+  // The record behind ClassNamed: the first record of that name; none when there is none.
+  TVeskaClass* RecordNamed(StringView name);
 
   TVeskaClass* CurrentClass() const { return current_.load(std::memory_order_relaxed); }
   bool ShowProperties = false;
@@ -152,12 +160,10 @@ class TVeskaClasses : public TOwnerEntity {
  private:
   // Inserts the record at its place by name and makes it the current class.
   void InsertByName(TVeskaClass* record);
-  // The first record of that name; none when there is none.
-  TVeskaClass* RecordNamed(StringView name);
   // RecordNamed by the search of the sorted list, which the name index stands in for.
   TVeskaClass* SearchRecordNamed(StringView name);
   // Whether the name index answers for the list as it is now.
-  bool NameIndexHolds();
+  bool NameIndexHolds() const;
   // Builds the name index afresh from the list, or leaves it unused when it cannot answer.
   void RebuildNameIndex();
 
@@ -190,12 +196,21 @@ inline constexpr UnitClasses kRegistryUnitClasses{kRegistryUnit,
 using StartUpSequence = void (*)(TVeskaClasses& registry);
 void InstallStartUpSequence(StartUpSequence sequence);
 
+namespace detail {
+// The registry once it is created and filled; none before its first use.
+inline std::atomic<TVeskaClasses*> process_registry{nullptr};
+TVeskaClasses& CreateProcessRegistry();
+}  // namespace detail
+
 // The registry of the process.  The first use runs the installed start-up sequence.
 //
 // Threads: registration belongs to start-up (or to the main thread afterwards).  Once it is
 // over, GetVeskaClass, FindVeskaClass and CreateElementByName are safe from any thread: they
 // only read the registry.
-TVeskaClasses& VeskaClasses();
+inline TVeskaClasses& VeskaClasses() {
+  if (TVeskaClasses* registry = detail::process_registry.load(std::memory_order_acquire)) return *registry;
+  return detail::CreateProcessRegistry();
+}
 
 void RegisterVeskaClass(const ClassInfo& element_class);
 template <RunTimeClass T>

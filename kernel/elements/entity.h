@@ -80,6 +80,8 @@ class TEntity : public TElement {
  protected:
   TSuperList& Elements();  // the member list, created on first use
   bool HasList() const { return elements_ != nullptr; }
+  // The change count of the member list (TList::Changes); 0 while there is no list.
+  uint64_t ListChanges() const { return elements_ ? elements_->Changes() : 0; }
   // Frees or only releases a member that has left the list, as FreeElement does.
   void FreeOrRelease(TElement* element);
   // Adds the member to the list, telling it of its new owner when track_owner is set.

@@ -22,19 +22,25 @@ constexpr bool SameFoldedChars(const char16_t* a, const char16_t* b, std::size_t
   return true;
 }
 
+// Four characters from the position, as one number.
+inline uint64_t FourChars(const char16_t* at) {
+  uint64_t chars;
+  std::memcpy(&chars, at, sizeof chars);
+  return chars;
+}
+
 // SameFoldedChars for names of any length.  Names are mostly looked up as they were declared,
-// so four characters at a time are compared exactly first, and folded only where they differ.
+// so the exact match is tried first, four characters at a time (the last four overlapping the
+// others), and the folded comparison only when it fails.
 inline bool SameFoldedName(StringView a, StringView b) {
-  if (a.size() != b.size()) return false;
-  std::size_t i = 0;
-  for (; i + 4 <= a.size(); i += 4) {
-    uint64_t x;
-    uint64_t y;
-    std::memcpy(&x, a.data() + i, sizeof x);
-    std::memcpy(&y, b.data() + i, sizeof y);
-    if (x != y && !SameFoldedChars(a.data() + i, b.data() + i, 4)) return false;
+  const std::size_t size = a.size();
+  if (size != b.size()) return false;
+  if (size >= 4) {
+    bool same = FourChars(a.data() + size - 4) == FourChars(b.data() + size - 4);
+    for (std::size_t i = 0; same && i + 4 < size; i += 4) same = FourChars(a.data() + i) == FourChars(b.data() + i);
+    if (same) return true;
   }
-  return SameFoldedChars(a.data() + i, b.data() + i, a.size() - i);
+  return SameFoldedChars(a.data(), b.data(), size);
 }
 
 // A hash on which names equal with a-z folded agree, from the length and the first and last
@@ -52,7 +58,7 @@ inline uint32_t FoldedNameHash(StringView name) {
   } else {
     for (const char16_t c : name) head = (head << 16) | c;
   }
-  const uint64_t mixed = ((head & kFold) * kMix) ^ ((tail & kFold) + name.size());
+  const uint64_t mixed = (head & kFold) ^ std::rotl(tail & kFold, 29) ^ name.size();
   return static_cast<uint32_t>((mixed * kMix) >> 32);
 }
 

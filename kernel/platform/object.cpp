@@ -54,11 +54,6 @@ bool ClassInfo::InheritsFrom(const ClassInfo& ancestor) const {
   return false;
 }
 
-const PropInfo* ClassInfo::FindProperty(StringView name) const {
-  const PropInfo* const* found = property_index_.Find(name);
-  return found != nullptr ? *found : nullptr;
-}
-
 PropInfo& ClassInfo::AddProperty(PropInfo property) {
   property.name_index_ = static_cast<int>(all_properties_.size());
   PropInfo& added = own_properties_.emplace_back(std::move(property));

@@ -120,7 +120,11 @@ class ClassInfo {
   std::span<const PropInfo* const> Properties() const { return all_properties_; }
   int PropCount() const { return static_cast<int>(all_properties_.size()); }
   // The first property whose name equals name with the letters a-z folded; none when absent.
-  const PropInfo* FindProperty(StringView name) const;
+  // Inline, as it runs on every access by name.
+  const PropInfo* FindProperty(StringView name) const {
+    const PropInfo* const* found = property_index_.Find(name);
+    return found != nullptr ? *found : nullptr;
+  }
 
   // Used by the property builder while the class is being described.
   PropInfo& AddProperty(PropInfo property);
