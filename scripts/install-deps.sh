@@ -1,10 +1,15 @@
 #!/usr/bin/env bash
 # Installs, with apt-get, what a Debian 12 machine lacks to build, test and benchmark veska.
 # Idempotent and quiet: when everything is present it prints nothing and changes nothing.
+#   bash scripts/install-deps.sh [--bench]
+# --bench adds RTTR, the yardstick of the comparison benchmark; the library never needs it.
 set -euo pipefail
 
 packages=(g++ clang cmake make libicu-dev googletest libgtest-dev libgmock-dev libbenchmark-dev
           libclang-rt-dev)
+if [ "${1:-}" = "--bench" ]; then
+  packages+=(librttr-dev)
+fi
 
 missing=()
 for package in "${packages[@]}"; do

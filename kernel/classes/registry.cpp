@@ -321,13 +321,9 @@ void TVeskaClasses::InsertByName(TVeskaClass* record) {
   }
 }
 
-bool TVeskaClasses::NameIndexHolds() const {
-  return name_index_in_use_ && name_index_list_state_ == ListChanges();
-}
-
 void TVeskaClasses::RebuildNameIndex() {
   name_index_.Clear();
-  name_index_in_use_ = false;
+  name_index_list_state_ = kNameIndexUnused;
   const TVeskaClass* previous = nullptr;
   for (void* item : Elements()) {
     auto* record = ObjectAs<TVeskaClass>(static_cast<TElement*>(item));
@@ -338,7 +334,6 @@ void TVeskaClasses::RebuildNameIndex() {
     name_index_.AddIfAbsent(*record->StoredName(), record);
     previous = record;
   }
-  name_index_in_use_ = true;
   name_index_list_state_ = ListChanges();
 }
 
@@ -357,13 +352,10 @@ void TVeskaClasses::AddClass(const ClassInfo& element_class) {
   InsertByName(record);
 }
 
-TVeskaClass* TVeskaClasses::RecordNamed(StringView name) {
-  if (NameIndexHolds()) {
-    // Every indexed name is in ASCII: a name beyond it is never found there, but the search,
-    // which folds case by Unicode rules, may still find it equal to one.
-    if (TVeskaClass* const* found = name_index_.Find(name)) return *found;
-    if (IsAscii(name)) return nullptr;
-  }
+TVeskaClass* TVeskaClasses::RecordNotIndexed(StringView name) {
+  // Every indexed name is in ASCII: a name beyond it is never found there, but the search,
+  // which folds case by Unicode rules, may still find it equal to one.
+  if (NameIndexHolds() && IsAscii(name)) return nullptr;
   return SearchRecordNamed(name);
 }
 

@@ -143,7 +143,13 @@ class TVeskaClasses : public TOwnerEntity {
   // safe from any thread once start-up is over.
   const ClassInfo* ClassNamed(StringView name);
   // The record behind ClassNamed: the first record of that name; none when there is none.
-  TVeskaClass* RecordNamed(StringView name);
+  // Inline, as every creation by class name asks it.
+  TVeskaClass* RecordNamed(StringView name) {
+    if (NameIndexHolds()) {
+      if (TVeskaClass* const* found = name_index_.Find(name)) return *found;
+    }
+    return RecordNotIndexed(name);
+  }
 
   TVeskaClass* CurrentClass() const { return current_.load(std::memory_order_relaxed); }
   bool ShowProperties = false;
@@ -163,7 +169,9 @@ class TVeskaClasses : public TOwnerEntity {
   // RecordNamed by the search of the sorted list, which the name index stands in for.
   TVeskaClass* SearchRecordNamed(StringView name);
   // Whether the name index answers for the list as it is now.
-  bool NameIndexHolds() const;
+  bool NameIndexHolds() const { return name_index_list_state_ == ListChanges(); }
+  // RecordNamed for a name the index does not hold.
+  TVeskaClass* RecordNotIndexed(StringView name);
   // Builds the name index afresh from the list, or leaves it unused when it cannot answer.
   void RebuildNameIndex();
 
@@ -178,8 +186,9 @@ class TVeskaClasses : public TOwnerEntity {
   // the list made other than by registration leaves the lookups to the search until the next
   // registration rebuilds the index.  A renamed record rebuilds it at once.
   FoldedNameIndex<TVeskaClass*> name_index_;
-  bool name_index_in_use_ = false;
-  uint64_t name_index_list_state_ = 0;
+  // The change count of the list the index describes; a count no list reaches while unused.
+  static constexpr uint64_t kNameIndexUnused = UINT64_MAX;
+  uint64_t name_index_list_state_ = kNameIndexUnused;
   friend class TVeskaClass;  // a renamed record rebuilds the index
 
   int32_t registration_counter_ = 0;

@@ -279,29 +279,41 @@ bool TElement::SetPropertyFloatByName(StringView name, double value) {
   return true;
 }
 
-int64_t TElement::GetPropertyLongIntByName(StringView name) const {
-  const PropInfo* property = ClassType().FindProperty(name);
+namespace {
+
+// The ordinal accessors of every width share these; each accessor answers on its own, without
+// a second virtual call.
+int64_t ReadOrdinalByName(const TElement& element, StringView name) {
+  const PropInfo* property = element.ClassType().FindProperty(name);
   if (property == nullptr || !property->CanRead() || property->Family() != ValueFamily::Ordinal) return 0;
-  return property->GetOrd(*this);
+  return property->GetOrd(element);
 }
 
-bool TElement::SetPropertyLongIntByName(StringView name, int64_t value) {
-  const PropInfo* property = ClassType().FindProperty(name);
+bool WriteOrdinalByName(TElement& element, StringView name, int64_t value) {
+  const PropInfo* property = element.ClassType().FindProperty(name);
   if (property == nullptr) return false;
-  if (property->CanWrite() && property->Family() == ValueFamily::Ordinal) property->SetOrd(*this, value);
+  if (property->CanWrite() && property->Family() == ValueFamily::Ordinal) property->SetOrd(element, value);
   return true;
 }
 
-int32_t TElement::GetPropertyIntByName(StringView name) const {
-  return static_cast<int32_t>(GetPropertyLongIntByName(name));
+}  // namespace
+
+int64_t TElement::GetPropertyLongIntByName(StringView name) const { return ReadOrdinalByName(*this, name); }
+
+bool TElement::SetPropertyLongIntByName(StringView name, int64_t value) {
+  return WriteOrdinalByName(*this, name, value);
 }
 
-bool TElement::SetPropertyIntByName(StringView name, int32_t value) { return SetPropertyLongIntByName(name, value); }
+int32_t TElement::GetPropertyIntByName(StringView name) const {
+  return static_cast<int32_t>(ReadOrdinalByName(*this, name));
+}
 
-bool TElement::GetPropertyBooleanByName(StringView name) const { return GetPropertyLongIntByName(name) != 0; }
+bool TElement::SetPropertyIntByName(StringView name, int32_t value) { return WriteOrdinalByName(*this, name, value); }
+
+bool TElement::GetPropertyBooleanByName(StringView name) const { return ReadOrdinalByName(*this, name) != 0; }
 
 bool TElement::SetPropertyBooleanByName(StringView name, bool value) {
-  return SetPropertyLongIntByName(name, value ? 1 : 0);
+  return WriteOrdinalByName(*this, name, value ? 1 : 0);
 }
 
 bool TElement::Life_Cycle_Is_Alive() const {

@@ -13,15 +13,6 @@
 
 namespace veska {
 
-// Whether two names of one length are equal with the letters a-z folded; other characters
-// must match exactly.
-constexpr bool SameFoldedChars(const char16_t* a, const char16_t* b, std::size_t size) {
-  for (std::size_t i = 0; i < size; ++i) {
-    if (AsciiUpperChar(a[i]) != AsciiUpperChar(b[i])) return false;
-  }
-  return true;
-}
-
 // Four characters from the position, as one number.
 inline uint64_t FourChars(const char16_t* at) {
   uint64_t chars;
@@ -29,19 +20,22 @@ inline uint64_t FourChars(const char16_t* at) {
   return chars;
 }
 
-// SameFoldedChars for names of any length.  Names are mostly looked up as they were declared,
-// so the exact match is tried first, four characters at a time (the last four overlapping the
-// others), and the folded comparison only when it fails.
-inline bool SameFoldedName(StringView a, StringView b) {
-  const std::size_t size = a.size();
-  if (size != b.size()) return false;
-  if (size >= 4) {
-    bool same = FourChars(a.data() + size - 4) == FourChars(b.data() + size - 4);
-    for (std::size_t i = 0; same && i + 4 < size; i += 4) same = FourChars(a.data() + i) == FourChars(b.data() + i);
-    if (same) return true;
+// Whether two names of one length are the same, character for character: four characters at
+// a time, the last four overlapping the others.
+inline bool SameChars(const char16_t* a, const char16_t* b, std::size_t size) {
+  if (size < 4) {
+    for (std::size_t i = 0; i < size; ++i) {
+      if (a[i] != b[i]) return false;
+    }
+    return true;
   }
-  return SameFoldedChars(a.data(), b.data(), size);
+  bool same = FourChars(a + size - 4) == FourChars(b + size - 4);
+  for (std::size_t i = 0; same && i + 4 < size; i += 4) same = FourChars(a + i) == FourChars(b + i);
+  return same;
 }
+
+// Whether two names are equal with the letters a-z folded; other characters must match exactly.
+bool SameFoldedName(StringView a, StringView b);
 
 // A hash on which names equal with a-z folded agree, from the length and the first and last
 // four characters: names are short, and a collision costs only a comparison.  Clearing bit 5
@@ -68,8 +62,12 @@ inline uint32_t FoldedNameHash(StringView name) {
 template <class Value>
 class FoldedNameIndex {
  public:
+  FoldedNameIndex() { Clear(); }
+
   void Clear() {
-    slots_.clear();
+    // Never without slots, so that a lookup need not ask.
+    slots_.assign(kLeastSize, Slot{});
+    mask_ = kLeastSize - 1;
     used_ = 0;
   }
 
@@ -78,7 +76,7 @@ class FoldedNameIndex {
   void AddIfAbsent(StringView name, Value value) {
     if (2 * (used_ + 1) > slots_.size()) Grow();
     const uint32_t hash = FoldedNameHash(name);
-    for (std::size_t i = hash & Mask();; i = (i + 1) & Mask()) {
+    for (std::size_t i = hash & mask_;; i = (i + 1) & mask_) {
       Slot& slot = slots_[i];
       if (!slot.Used()) {
         slot = Slot{hash, name, value};
@@ -89,18 +87,25 @@ class FoldedNameIndex {
     }
   }
 
-  // The value of the name, or none.
+  // The value of the name, or none.  Names are mostly looked up as they were declared: the
+  // probe compares exactly, and only a name that differs from a candidate in case alone takes
+  // the folded probe, out of line.
   const Value* Find(StringView name) const {
-    if (slots_.empty()) return nullptr;
     const uint32_t hash = FoldedNameHash(name);
-    for (std::size_t i = hash & Mask();; i = (i + 1) & Mask()) {
+    bool differs_in_case = false;
+    for (std::size_t i = hash & mask_;; i = (i + 1) & mask_) {
       const Slot& slot = slots_[i];
-      if (!slot.Used()) return nullptr;
-      if (slot.hash == hash && SameFoldedName(slot.name, name)) return &slot.value;
+      if (!slot.Used()) return differs_in_case ? FindFolded(name, hash) : nullptr;
+      if (slot.hash == hash && slot.name.size() == name.size()) {
+        if (SameChars(slot.name.data(), name.data(), name.size())) return &slot.value;
+        differs_in_case = true;
+      }
     }
   }
 
  private:
+  static constexpr std::size_t kLeastSize = 8;
+
   struct Slot {
     uint32_t hash = 0;
     StringView name{nullptr, 0};  // a name's characters are never at no address
@@ -108,11 +113,20 @@ class FoldedNameIndex {
     bool Used() const { return name.data() != nullptr; }
   };
 
-  std::size_t Mask() const { return slots_.size() - 1; }
+  // The probe of Find with folded comparisons.  One name at most is equal to any other with
+  // a-z folded, as AddIfAbsent keeps a second one out.
+  [[gnu::noinline]] const Value* FindFolded(StringView name, uint32_t hash) const {
+    for (std::size_t i = hash & mask_;; i = (i + 1) & mask_) {
+      const Slot& slot = slots_[i];
+      if (!slot.Used()) return nullptr;
+      if (slot.hash == hash && SameFoldedName(slot.name, name)) return &slot.value;
+    }
+  }
 
   void Grow() {
     std::vector<Slot> old = std::move(slots_);
-    slots_.assign(std::bit_ceil(std::max<std::size_t>(8, 4 * (used_ + 1))), Slot{});
+    slots_.assign(std::bit_ceil(std::max(kLeastSize, 4 * (used_ + 1))), Slot{});
+    mask_ = slots_.size() - 1;
     used_ = 0;
     for (const Slot& slot : old) {
       if (slot.Used()) AddIfAbsent(slot.name, slot.value);
@@ -120,6 +134,7 @@ class FoldedNameIndex {
   }
 
   std::vector<Slot> slots_;
+  std::size_t mask_ = 0;  // the table's size less one
   std::size_t used_ = 0;
 };
 
