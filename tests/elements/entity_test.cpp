@@ -1,9 +1,9 @@
 #include "kernel/elements/entity.h"
 
 #include <gtest/gtest.h>
-#include <tuple>
 
 #include <memory>
+#include <tuple>
 
 #include "kernel/elements/message.h"
 #include "kernel/elements/named.h"

@@ -1,8 +1,8 @@
 #include "kernel/elements/message.h"
 
 #include <gtest/gtest.h>
-#include <tuple>
 
+#include <tuple>
 #include <vector>
 
 #include "kernel/elements/named.h"
