@@ -212,6 +212,7 @@ TEST(LocaleDateTime, DateTimeToStrLeavesOutAnExactMidnight) {
   EXPECT_EQ(DateTimeToStr(EncodeDateTime(2031, 5, 1, 7, 5, 3, 0)), u"1.5.2031 7:05:03");
   // A time that rounds to the next midnight counts as midnight of the next day.
   EXPECT_EQ(DateTimeToStr(may1 + 1 - 0.4 * kOneMillisecond), u"2.5.2031");
+  EXPECT_EQ(DateTimeToStr(EncodeDateTime(1800, 1, 1, 6, 0, 0, 0)), u"1.1.1800 6:00:00");
   EXPECT_EQ(TimeToStr(EncodeDateTime(2031, 5, 1, 17, 5, 3, 0)), u"17:05:03");
   for (TDateTime value : {may1, EncodeDateTime(2031, 5, 1, 7, 5, 3, 0), EncodeDateTime(1800, 1, 1, 6, 0, 0, 0),
                           EncodeDateTime(1, 1, 1, 23, 59, 59, 0)}) {
@@ -225,6 +226,7 @@ TEST(LocaleDateTime, PatternLetters) {
   EXPECT_EQ(FormatDateTime(u"d/m/yy h:n:s.z", value), u"1.5.31 19:5:3.6");
   EXPECT_EQ(FormatDateTime(u"h:mm, m", value), u"19:05, 5");  // m right after h is the minute
   EXPECT_EQ(FormatDateTime(u"ddd dddd mmm mmmm", value), u"čt čtvrtek kvě květen");
+  EXPECT_EQ(FormatDateTime(u"DD.MM.YYYY c", value), u"01.05.2031 1.5.2031 19:05:03");
   EXPECT_EQ(FormatDateTime(u"'d' \"m:\" d 'unclosed", value), u"d m: 1 unclosed");
   EXPECT_EQ(FormatDateTime(u"h:nn am/pm|AM/PM|a/p|ampm", value), u"7:05 pm|PM|p|odp.");
   EXPECT_EQ(FormatDateTime(u"hh a/p", EncodeTime(0, 30, 0, 0)), u"12 a");
@@ -275,6 +277,7 @@ TEST(LocaleDateTime, ReadsDatesInTheOrderOfTheShortDateFormat) {
 }
 
 TEST(LocaleDateTime, ReadsTimesAndDateTimesWithOptionalSecondsAndFraction) {
+  EXPECT_DOUBLE_EQ(StrToTime(u" 07:05:03 "), EncodeTime(7, 5, 3, 0));
   EXPECT_DOUBLE_EQ(StrToTime(u"7:05:03.0005"), EncodeTime(7, 5, 3, 1));
   EXPECT_DOUBLE_EQ(StrToTime(u"23:59:59.9995"), 1.0);
   for (StringView text : {u"", u"7", u"24:00", u"7:60", u"7:05:60", u"7:05:03.", u"7:05:03,5", u"7:05 x", u"-7:05"}) {
