@@ -118,9 +118,8 @@ TEST(ClassRegistry, LibraryClassesAreRegisteredInUnitOrder) {
     EXPECT_EQ(record->ID, static_cast<int32_t>(id)) << ToUtf8(String(kOrder[id]));
     EXPECT_EQ(record->ElementsCount(), record->PropCount);
   }
-  EXPECT_EQ(registry.GetVeskaClassByName(u"TVeskaClass")->GetUnit_Name(), u"E_class");
-  EXPECT_EQ(registry.GetVeskaClassByName(u"TNameElement")->GetUnit_Name(), u"Elements");
-  EXPECT_EQ(registry.GetVeskaClassByName(u"TNameElement")->GetAncestorClassName(), u"TElement");
+  TVeskaClass* named = registry.GetVeskaClassByName(u"TNameElement");
+  EXPECT_EQ(named->GetUnit_Name() + u"|" + named->GetAncestorClassName(), u"Elements|TElement");
   EXPECT_EQ(GetVeskaClass(u"TVeskaInstance"), nullptr);  // not registered
 }
 
@@ -145,10 +144,9 @@ class TTwiceNamed : public TNameElement {
 
 TEST(ClassRecord, PropertyTableAndItsQuestions) {
   TVeskaClass record;
-  EXPECT_TRUE(record.GetPropertyStored(0));  // no table: everything counts as stored
-  EXPECT_TRUE(record.GetPropertyIsReadOnly(0));
-  EXPECT_TRUE(record.GetPropertyIsWriteOnly(0));
-  EXPECT_TRUE(record.GetPropertyIsReadOrWriteOnly(0));
+  // No table: everything counts as stored, read-only and write-only.
+  EXPECT_TRUE(record.GetPropertyStored(0) && record.GetPropertyIsReadOnly(0) && record.GetPropertyIsWriteOnly(0) &&
+              record.GetPropertyIsReadOrWriteOnly(0));
 
   record.SetElementClass(&TTwiceNamed::StaticClassInfo());
   EXPECT_TRUE(record.IsClassName(u"ttwicenamed"));
@@ -157,13 +155,11 @@ TEST(ClassRecord, PropertyTableAndItsQuestions) {
   EXPECT_EQ(record.PropertyIndex(u"id"), 0);             // ancestors' properties first
   EXPECT_EQ(record.PropertyIndex(u"Other"), count - 2);  // the first of two equal names
   EXPECT_EQ(record.PropertyIndex(u"missing"), -1);
-  EXPECT_FALSE(record.GetPropertyStored(count - 2));
-  EXPECT_TRUE(record.GetPropertyStored(count - 1));
+  EXPECT_TRUE(!record.GetPropertyStored(count - 2) && record.GetPropertyStored(count - 1));
   EXPECT_EQ(record.GetPropertyTypeKind(count - 1), TTypeKind::tkInteger);
   const int owners = record.PropertyIndex(u"OwnersCount");
-  EXPECT_TRUE(record.GetPropertyIsReadOnly(owners));
-  EXPECT_FALSE(record.GetPropertyIsWriteOnly(owners));
-  EXPECT_TRUE(record.GetPropertyIsReadOrWriteOnly(owners));
+  EXPECT_TRUE(record.GetPropertyIsReadOnly(owners) && !record.GetPropertyIsWriteOnly(owners) &&
+              record.GetPropertyIsReadOrWriteOnly(owners));
   EXPECT_FALSE(record.GetPropertyIsReadOrWriteOnly(0));
 
   record.SetElementClass(nullptr);
@@ -201,11 +197,9 @@ TEST(ClassInstance, CopyIsShallowAndSkipsEightBitAndWideStrings) {
   std::unique_ptr<TElement> copied(CreateElementCopy(&source));
   auto* copy = dynamic_cast<TCopySource*>(copied.get());
   ASSERT_NE(copy, nullptr);
-  EXPECT_EQ(copy->GetName(), u"original");
+  EXPECT_EQ(copy->GetName() + u"|" + copy->Uni + u"|" + copy->Wide.Text, u"original|unicode|");
   EXPECT_EQ(copy->Partner, &partner);
-  EXPECT_EQ(copy->Uni, u"unicode");
   EXPECT_EQ(copy->Ansi.Bytes, "");
-  EXPECT_EQ(copy->Wide.Text, u"");
   EXPECT_EQ(copy->Hidden, 0);  // not stored, not copied
 }
 
@@ -227,8 +221,7 @@ TEST(ClassInstance, ReadsEveryKindButNeverWritesEightBitOrWideStrings) {
     instance.SetPropertyValue(index, TPropertyBuffer{String(u"changed")});
   }
   EXPECT_EQ(element.Ansi.Bytes, "a");
-  EXPECT_EQ(element.Wide.Text, u"w");
-  EXPECT_EQ(element.Uni, u"changed");
+  EXPECT_EQ(element.Wide.Text + u"|" + element.Uni, u"w|changed");
 
   TNameElement partner;
   const int partner_index = instance.PropertyIndex(u"Partner");

