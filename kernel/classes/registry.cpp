@@ -49,8 +49,8 @@ void TVeskaClass::SetName(const String& name) {
 
 void TVeskaClass::SetElementClass(const ClassInfo* element_class) {
   element_class_ = element_class;
-  creates_elements_ = element_class_ != nullptr && element_class_->CanCreate() &&
-                      element_class_->InheritsFrom(TElement::StaticClassInfo());
+  const bool creates_elements = element_class_ != nullptr && element_class_->InheritsFrom(TElement::StaticClassInfo());
+  element_factory_ = creates_elements ? element_class_->GetFactory() : nullptr;
   table_.clear();
   has_table_ = false;
   if (element_class_ == nullptr) return;  // PropCount keeps its old value
@@ -448,7 +448,11 @@ void CHeckVeskaClasses() {
   }
 }
 
-TElement* CreateElementByName(StringView name) {
+namespace {
+
+// CreateElementByName in full: the name, else "T" + name, and the message when neither gives
+// an element.
+TElement* CreateOrReport(StringView name) {
   TVeskaClasses& registry = VeskaClasses();
   const auto class_record = [&registry](StringView class_name) -> const TVeskaClass* {
     const TVeskaClass* record = registry.RecordNamed(class_name);
@@ -461,6 +465,16 @@ TElement* CreateElementByName(StringView name) {
   }
   ShowMessage(String(u"Neregistrovaný element: ").append(name), MessageKind::Error);
   return nullptr;
+}
+
+}  // namespace
+
+TElement* CreateElementByName(StringView name) {
+  // The common case, kept short: the name is that of a class that creates elements.
+  if (const TVeskaClass* record = VeskaClasses().RecordNamed(name)) {
+    if (TElement* element = record->NewElement()) return element;
+  }
+  return CreateOrReport(name);
 }
 
 }  // namespace veska

@@ -58,9 +58,7 @@ class TVeskaClass : public TOwnerEntity {
   const ClassInfo* ElementClass() const { return element_class_; }
   // A new element of the element class; none when the class is not an element class or
   // cannot be created.
-  TElement* NewElement() const {
-    return creates_elements_ ? static_cast<TElement*>(element_class_->Create()) : nullptr;
-  }
+  TElement* NewElement() const { return element_factory_ ? static_cast<TElement*>(element_factory_()) : nullptr; }
   void SetElementClass(const ClassInfo* element_class);
   bool HasPropertyTable() const { return has_table_; }
 
@@ -93,7 +91,9 @@ class TVeskaClass : public TOwnerEntity {
 
  private:
   const ClassInfo* element_class_ = nullptr;
-  bool creates_elements_ = false;  // decided once, as creation by class name asks every time
+  // The element class's factory, when the class creates elements; decided once, as creation by
+  // class name asks every time.
+  ClassInfo::Factory element_factory_ = nullptr;
   std::vector<const PropInfo*> table_;
   bool has_table_ = false;
 };

@@ -115,6 +115,7 @@ class ClassInfo {
   // The virtual constructor: a new object of this class, or none for an abstract class.
   bool CanCreate() const { return factory_ != nullptr; }
   TObject* Create() const { return factory_ ? factory_() : nullptr; }
+  Factory GetFactory() const { return factory_; }
 
   // All published properties, ancestors' first, in declaration order.
   std::span<const PropInfo* const> Properties() const { return all_properties_; }
