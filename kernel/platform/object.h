@@ -38,9 +38,22 @@ class ClassInfo;
 template <class T>
 concept RunTimeClass = std::is_same_v<typename T::VeskaDeclaredClass, std::remove_cv_t<T>>;
 
+// The probe that finds a class's nearest declared ancestor.  Every declared class adds one
+// candidate function for it, a hidden friend that takes a pointer to that class, so that a
+// probe with a pointer to a class sees (by argument-dependent lookup) the candidates of the
+// class and of all its bases; the probe's tag rules out the class's own, and of the rest
+// overload resolution picks the nearest base, to which the pointer converts best.
+template <class Probed>
+struct NearestDeclaredBaseProbe {};
+
 class TObject {
  public:
   using VeskaDeclaredClass = TObject;
+  template <class Probed>
+    requires(!std::is_same_v<Probed, TObject>)
+  friend TObject* VeskaNearestDeclaredBase(TObject*, NearestDeclaredBaseProbe<Probed>) {
+    return nullptr;
+  }
   static constexpr std::u16string_view StaticClassName = u"TObject";
   static constexpr std::u16string_view StaticUnitName = u"System";
   static const ClassInfo& StaticClassInfo();
@@ -82,6 +95,11 @@ T* CreateObjectAs(const ClassInfo& cls);
 class TPersistent : public TObject {
  public:
   using VeskaDeclaredClass = TPersistent;
+  template <class Probed>
+    requires(!std::is_same_v<Probed, TPersistent>)
+  friend TPersistent* VeskaNearestDeclaredBase(TPersistent*, NearestDeclaredBaseProbe<Probed>) {
+    return nullptr;
+  }
   static constexpr std::u16string_view StaticClassName = u"TPersistent";
   static constexpr std::u16string_view StaticUnitName = u"Classes";
   static const ClassInfo& StaticClassInfo();

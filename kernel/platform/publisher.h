@@ -249,11 +249,15 @@ constexpr ClassInfo::Factory FactoryOf() {
 }  // namespace detail
 
 // The ClassInfo of T, built on first use.  T must declare its own class, and the parent it
-// names must be a base of it (see RunTimeClass).
+// names must be a base of it and the nearest declared one (see RunTimeClass).
 template <class T>
 const ClassInfo& ClassInfoOf() {
   static_assert(std::is_base_of_v<typename T::inherited, T>,
                 "the parent named in VESKA_CLASS is not a base of the class");
+  using NearestDeclaredBase = std::remove_pointer_t<decltype(VeskaNearestDeclaredBase(
+      static_cast<T*>(nullptr), NearestDeclaredBaseProbe<T>{}))>;
+  static_assert(std::is_same_v<NearestDeclaredBase, typename T::inherited::VeskaDeclaredClass>,
+                "the parent named in VESKA_CLASS skips a nearer declared class");
   static const ClassInfo info(T::StaticClassName, &T::inherited::StaticClassInfo(), T::StaticUnitName, sizeof(T),
                               detail::FactoryOf<T>(), &detail::PublishClass<T>);
   return info;
@@ -267,6 +271,11 @@ const ClassInfo& ClassInfoOf() {
  public:                                                                                       \
   using inherited = Parent;                                                                    \
   using VeskaDeclaredClass = Class;                                                            \
+  template <class Probed>                                                                      \
+    requires(!std::is_same_v<Probed, Class>)                                                   \
+  friend Class* VeskaNearestDeclaredBase(Class*, ::veska::NearestDeclaredBaseProbe<Probed>) {  \
+    return nullptr;                                                                            \
+  }                                                                                            \
   static constexpr std::u16string_view StaticClassName = u## #Class;                           \
   static constexpr std::u16string_view StaticUnitName = Unit;                                  \
   static const ::veska::ClassInfo& StaticClassInfo() { return ::veska::ClassInfoOf<Class>(); } \
