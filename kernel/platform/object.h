@@ -50,8 +50,8 @@ class TObject {
  public:
   using VeskaDeclaredClass = TObject;
   template <class Probed>
-    requires(!std::is_same_v<Probed, TObject>)
-  friend TObject* VeskaNearestDeclaredBase(TObject*, NearestDeclaredBaseProbe<Probed>) {
+  requires(!std::is_same_v<Probed, TObject>) friend TObject* VeskaNearestDeclaredBase(
+      TObject*, NearestDeclaredBaseProbe<Probed>) {
     return nullptr;
   }
   static constexpr std::u16string_view StaticClassName = u"TObject";
@@ -96,8 +96,8 @@ class TPersistent : public TObject {
  public:
   using VeskaDeclaredClass = TPersistent;
   template <class Probed>
-    requires(!std::is_same_v<Probed, TPersistent>)
-  friend TPersistent* VeskaNearestDeclaredBase(TPersistent*, NearestDeclaredBaseProbe<Probed>) {
+  requires(!std::is_same_v<Probed, TPersistent>) friend TPersistent* VeskaNearestDeclaredBase(
+      TPersistent*, NearestDeclaredBaseProbe<Probed>) {
     return nullptr;
   }
   static constexpr std::u16string_view StaticClassName = u"TPersistent";
