@@ -398,10 +398,13 @@ void CHeckVeskaClasses() {
   }
 }
 
-TElement* CreateElementByName(const String& name) {
+const ClassInfo* ClassForCreationByName(const String& name) {
   const ClassInfo* cls = GetVeskaClass(name);
-  if (cls == nullptr) cls = GetVeskaClass(u"T" + name);
-  if (cls != nullptr) {
+  return cls != nullptr ? cls : GetVeskaClass(u"T" + name);
+}
+
+TElement* CreateElementByName(const String& name) {
+  if (const ClassInfo* cls = ClassForCreationByName(name)) {
     if (auto* element = CreateObjectAs<TElement>(*cls)) return element;
   }
   ShowMessage(u"Neregistrovaný element: " + name, MessageKind::Error);
