@@ -4,7 +4,7 @@
 set -euo pipefail
 
 packages=(g++ clang cmake make libicu-dev googletest libgtest-dev libgmock-dev libbenchmark-dev
-          libclang-rt-dev)
+          libclang-rt-dev pkg-config)
 
 missing=()
 for package in "${packages[@]}"; do
