@@ -3,7 +3,6 @@
 #include <string>
 
 #include "kernel/classes/registry.h"
-#include "kernel/platform/exceptions.h"
 
 namespace veska::cli {
 namespace {
@@ -29,7 +28,7 @@ String AccessText(const TVeskaClass& record, int index) {
 
 }  // namespace
 
-int ListClasses(std::FILE* out) {
+void ListClasses(std::FILE* out) {
   TVeskaClasses& registry = VeskaClasses();
   for (int i = 0; i < registry.ElementsCount(); ++i) {
     const auto* record = dynamic_cast<const TVeskaClass*>(registry.Get(i));
@@ -37,23 +36,18 @@ int ListClasses(std::FILE* out) {
     WriteLine(out, {IntToStr(record->ID), record->GetName(), record->GetAncestorClassName(),
                     IntToStr(record->PropCount), record->GetUnit_Name()});
   }
-  return 0;
 }
 
-int ShowClass(std::string_view name, std::FILE* out, std::FILE* err) {
-  TVeskaClasses& registry = VeskaClasses();
-  try {
-    registry.FindClass(FromUtf8(name));  // a found record becomes the current class
-  } catch (const EClassNotFound& error) {
-    std::fprintf(err, "error: %s\n", ToUtf8(error.Message()).c_str());
-    return 1;
-  }
-  const TVeskaClass* record = registry.CurrentClass();
+void ShowClass(std::string_view name, std::FILE* out) {
+  const String wanted = FromUtf8(name);
+  const ClassInfo* cls = ClassForCreationByName(wanted);
+  // Neither name is registered: FindVeskaClass raises EClassNotFound with the registry's text.
+  if (cls == nullptr) cls = FindVeskaClass(wanted);
+  const TVeskaClass* record = VeskaClasses().GetVeskaClassByName(cls->Name());
   for (int i = 0; record->HasPropertyTable() && i < record->PropCount; ++i) {
     WriteLine(out, {IntToStr(i), record->GetPropertyName(i), IntToStr(static_cast<int>(record->GetPropertyTypeKind(i))),
                     AccessText(*record, i), record->GetPropertyStored(i) ? u"stored" : u"not stored"});
   }
-  return 0;
 }
 
 }  // namespace veska::cli

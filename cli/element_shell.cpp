@@ -1,11 +1,15 @@
 #include "cli/element_shell.h"
 
+#include <algorithm>
+#include <iterator>
 #include <memory>
-#include <string>
 #include <string_view>
+#include <utility>
 
+#include "cli/usage_error.h"
 #include "kernel/classes/registry.h"
 #include "kernel/elements/entity.h"
+#include "kernel/elements/property_access.h"
 #include "kernel/platform/exceptions.h"
 #include "kernel/platform/string_list.h"
 
@@ -17,59 +21,100 @@ void WriteLine(std::FILE* out, const String& text) {
   std::fputs(line.c_str(), out);
 }
 
-// The operand of an option; an option without one is a usage error.
-String Operand(std::span<char* const> arguments, std::size_t& index) {
-  if (index + 1 >= arguments.size()) {
-    throw Exception(FromUtf8(arguments[index]) + u" needs an argument");
+// The element of that class name, created as CreateElementByName does, which reports an unknown
+// name itself.
+std::unique_ptr<TElement> CreateElement(const String& class_name) {
+  std::unique_ptr<TElement> element(CreateElementByName(class_name));
+  if (!element) throw ReportedFailure();
+  return element;
+}
+
+String NoSuchProperty(const TElement& element, const String& name) {
+  return element.ClassName() + u" has no property " + name;
+}
+
+// An element may answer names beyond its published properties (a string list answers the names
+// of its entries); a name that is neither gives no text.
+String PropertyText(const TElement& element, const String& name) {
+  String text = element.GetPropertyStringByName(name);
+  if (text.empty() && GetPropIndex(&element, name) < 0) throw Exception(NoSuchProperty(element, name));
+  return text;
+}
+
+void SetProperty(TElement& element, const String& assignment) {
+  const std::size_t equals = assignment.find(u'=');
+  const String name = assignment.substr(0, equals);
+  if (!element.SetPropertyStringByName(name, assignment.substr(equals + 1))) {
+    throw Exception(NoSuchProperty(element, name));
   }
-  return FromUtf8(arguments[++index]);
 }
 
 void AddMember(TElement& element, const String& class_and_name) {
-  const std::size_t colon = class_and_name.find(u':');
-  if (colon == String::npos) throw Exception(u"--add takes CLASS:NAME, not " + class_and_name);
   auto* entity = ObjectAs<TEntity>(&element);
   if (entity == nullptr) throw Exception(element.ClassName() + u" is not an entity and holds no elements");
-  std::unique_ptr<TElement> member(CreateElementByName(class_and_name.substr(0, colon)));
-  if (!member) throw Exception(u"no element was created");
+  const std::size_t colon = class_and_name.find(u':');
+  std::unique_ptr<TElement> member = CreateElement(class_and_name.substr(0, colon));
   member->SetName(class_and_name.substr(colon + 1));
   entity->AddElement(member.release());
 }
 
-void ApplyArgument(TElement& element, std::span<char* const> arguments, std::size_t& index, std::FILE* out) {
-  const std::string_view argument = arguments[index];
-  if (argument == "--get") {
-    const String name = Operand(arguments, index);
-    WriteLine(out, name + u"=" + element.GetPropertyStringByName(name));
-  } else if (argument == "--add") {
-    AddMember(element, Operand(arguments, index));
-  } else if (argument == "--path") {
-    WriteLine(out, element.ExecuteCommandLine(Operand(arguments, index)));
-  } else if (argument == "--list") {
-    const std::unique_ptr<TStringList> lines(element.ExecuteCommandLineToList(Operand(arguments, index)));
-    for (int i = 0; i < lines->Count(); ++i) WriteLine(out, lines->Get(i));
-  } else {
-    const String assignment = FromUtf8(argument);
-    const std::size_t equals = assignment.find(u'=');
-    if (equals == String::npos) throw Exception(u"unknown argument " + assignment);
-    const String name = assignment.substr(0, equals);
-    if (!element.SetPropertyStringByName(name, assignment.substr(equals + 1))) {
-      throw Exception(element.ClassName() + u" has no property " + name);
+void RunStep(TElement& element, const ShellStep& step, std::FILE* out) {
+  const String operand = FromUtf8(step.operand);
+  switch (step.action) {
+    case ShellStep::Action::Set:
+      SetProperty(element, operand);
+      break;
+    case ShellStep::Action::Get:
+      WriteLine(out, operand + u"=" + PropertyText(element, operand));
+      break;
+    case ShellStep::Action::Add:
+      AddMember(element, operand);
+      break;
+    case ShellStep::Action::Path:
+      WriteLine(out, element.ExecuteCommandLine(operand));
+      break;
+    case ShellStep::Action::List: {
+      const std::unique_ptr<TStringList> lines(element.ExecuteCommandLineToList(operand));
+      for (int i = 0; i < lines->Count(); ++i) WriteLine(out, lines->Get(i));
+      break;
     }
   }
 }
 
 }  // namespace
 
-int RunElementShell(std::span<char* const> arguments, std::FILE* out) {
-  if (arguments.empty()) throw Exception(u"new needs a class name");
-  // An unknown class is reported by the library itself, through the message sink.
-  const std::unique_ptr<TElement> element(CreateElementByName(FromUtf8(arguments[0])));
-  if (!element) return 1;
+ShellScript ParseShellArguments(std::span<char* const> arguments) {
+  if (arguments.empty()) throw UsageError("missing CLASS");
+  ShellScript script{arguments[0], {}};
+  constexpr std::pair<std::string_view, ShellStep::Action> kOptions[] = {
+      {"--get", ShellStep::Action::Get},
+      {"--add", ShellStep::Action::Add},
+      {"--path", ShellStep::Action::Path},
+      {"--list", ShellStep::Action::List}};
   for (std::size_t index = 1; index < arguments.size(); ++index) {
-    ApplyArgument(*element, arguments, index, out);
+    const std::string_view argument = arguments[index];
+    const auto* option = std::find_if(std::begin(kOptions), std::end(kOptions),
+                                      [&](const auto& entry) { return entry.first == argument; });
+    if (option == std::end(kOptions)) {
+      if (argument.starts_with('-') || argument.find('=') == std::string_view::npos) {
+        throw UsageError("unknown argument '" + std::string(argument) + "'");
+      }
+      script.steps.push_back({ShellStep::Action::Set, std::string(argument)});
+      continue;
+    }
+    if (++index == arguments.size()) throw UsageError(std::string(argument) + " needs an argument");
+    const std::string_view operand = arguments[index];
+    if (option->second == ShellStep::Action::Add && operand.find(':') == std::string_view::npos) {
+      throw UsageError("--add takes CLASS:NAME, not '" + std::string(operand) + "'");
+    }
+    script.steps.push_back({option->second, std::string(operand)});
   }
-  return 0;
+  return script;
+}
+
+void RunElementShell(const ShellScript& script, std::FILE* out) {
+  const std::unique_ptr<TElement> element = CreateElement(FromUtf8(script.class_name));
+  for (const ShellStep& step : script.steps) RunStep(*element, step, out);
 }
 
 }  // namespace veska::cli

@@ -3,17 +3,34 @@
 
 #include <cstdio>
 #include <span>
+#include <string>
+#include <vector>
 
 namespace veska::cli {
 
-// Creates an element of CLASS and applies the arguments in order:
+// One argument after the class name:
 //   NAME=VALUE          writes VALUE into property NAME (SetPropertyStringByName)
 //   --get NAME          prints "NAME=" and the property's text
 //   --add CLASS:NAME    creates an element of CLASS named NAME and adds it to the element
 //   --path CMD          prints the result of ExecuteCommandLine(CMD)
 //   --list CMD          prints each line of ExecuteCommandLineToList(CMD)
-// Gives 0, or 1 when the class is unknown or an argument fails (an exception's message is
-// printed as "error: <message>" by the caller).
-int RunElementShell(std::span<char* const> arguments, std::FILE* out);
+struct ShellStep {
+  enum class Action { Set, Get, Add, Path, List } action;
+  std::string operand;  // NAME=VALUE, NAME, CLASS:NAME or CMD
+};
+
+struct ShellScript {
+  std::string class_name;
+  std::vector<ShellStep> steps;
+};
+
+// Reads the arguments of "new" completely before anything runs, so that a mistake in the
+// command line (a missing operand, an unknown option, --add without a colon) is a UsageError.
+ShellScript ParseShellArguments(std::span<char* const> arguments);
+
+// Creates the element and runs the steps in order.  A property that does not exist, for reading
+// or writing, raises Exception; an unknown class name, which the library reports itself through
+// the message sink, raises ReportedFailure.
+void RunElementShell(const ShellScript& script, std::FILE* out);
 
 }  // namespace veska::cli

@@ -1,13 +1,24 @@
 // The veska command-line program: a small dispatcher over the commands of cli/.
+//
+// Exit status: 0 on success, 1 when a command fails (the reason is on stderr), 2 for a mistake
+// in the command line.  Everything the program itself says on stderr begins with "veska: ";
+// texts of the library follow that prefix unchanged.
+#include <veska/version.h>
+
+#include <cerrno>
 #include <cstdio>
+#include <cstring>
 #include <exception>
+#include <limits>
 #include <span>
+#include <string>
 #include <string_view>
 
 #include "cli/class_commands.h"
 #include "cli/element_shell.h"
+#include "cli/usage_error.h"
 #include "kernel/platform/exceptions.h"
-#include "kernel/platform/string.h"
+#include "kernel/platform/message_sink.h"
 
 namespace {
 
@@ -16,7 +27,8 @@ constexpr std::string_view kUsage =
     "\n"
     "commands:\n"
     "  version     print the library version\n"
-    "  classes     list the registered classes: ID, name, ancestor, property count, unit\n"
+    "  classes     list the registered classes, sorted by name: ID, name, ancestor, property\n"
+    "              count, unit\n"
     "  class NAME  list the properties of a class: index, name, type kind, access, stored\n"
     "  new CLASS [ARG]...\n"
     "              create an element and work on it, argument by argument:\n"
@@ -25,35 +37,89 @@ constexpr std::string_view kUsage =
     "                --add CLASS:NAME  add a new named element of CLASS to it\n"
     "                --path CMD        print the result of a path command\n"
     "                --list CMD        print the lines of a path command's list\n"
-    "  help        print this text\n";
+    "  help        print this text\n"
+    "\n"
+    "options:\n"
+    "  -h, --help     print this text\n"
+    "  -V, --version  print the library version\n"
+    "\n"
+    "Exit status: 0 on success, 1 when a command fails, 2 for a mistake in the command line.\n";
 
-int Usage(std::FILE* out, int exit_code) {
-  std::fputs(kUsage.data(), out);
-  return exit_code;
+using Operands = std::span<char* const>;
+
+// A command with the number of operands it takes; checked here, for every command alike.
+struct Command {
+  std::string_view name;
+  std::string_view operands;  // as the usage names them, for the message when they are missing
+  std::size_t min_operands;
+  std::size_t max_operands;
+  void (*run)(Operands operands);
+};
+
+constexpr std::size_t kAny = std::numeric_limits<std::size_t>::max();
+
+constexpr Command kCommands[] = {
+    {"version", "", 0, 0, [](Operands) { std::printf("veska %s\n", VESKA_VERSION_STRING); }},
+    {"help", "", 0, 0, [](Operands) { std::fputs(kUsage.data(), stdout); }},
+    {"classes", "", 0, 0, [](Operands) { veska::cli::ListClasses(stdout); }},
+    {"class", "NAME", 1, 1, [](Operands operands) { veska::cli::ShowClass(operands[0], stdout); }},
+    // "new" checks its own arguments before it creates anything: they are a small language.
+    {"new", "CLASS", 1, kAny,
+     [](Operands operands) { veska::cli::RunElementShell(veska::cli::ParseShellArguments(operands), stdout); }},
+};
+
+// The command an argument names; the options -h and -V are the commands help and version.
+const Command& FindCommand(std::string_view argument) {
+  if (argument == "-h" || argument == "--help") argument = "help";
+  if (argument == "-V" || argument == "--version") argument = "version";
+  for (const Command& command : kCommands) {
+    if (command.name == argument) return command;
+  }
+  const char* what = argument.starts_with('-') ? "unknown option '" : "unknown command '";
+  throw veska::cli::UsageError(what + std::string(argument) + "'");
 }
 
-int Run(int argc, char** argv) {
-  const std::string_view command = argc > 1 ? argv[1] : "help";
-  if (command == "version" || command == "--version") {
-    std::printf("veska %s\n", VESKA_VERSION_TEXT);
-    return 0;
+void Run(Operands arguments) {
+  if (arguments.empty()) throw veska::cli::UsageError("missing command");
+  const Command& command = FindCommand(arguments[0]);
+  const Operands operands = arguments.subspan(1);
+  try {
+    if (operands.size() < command.min_operands) throw veska::cli::UsageError("missing " + std::string(command.operands));
+    if (operands.size() > command.max_operands) {
+      throw veska::cli::UsageError("unexpected argument '" + std::string(operands[command.max_operands]) + "'");
+    }
+    command.run(operands);
+  } catch (const veska::cli::UsageError& error) {
+    throw veska::cli::UsageError(std::string(command.name) + ": " + error.what());
   }
-  if (command == "classes" && argc == 2) return veska::cli::ListClasses(stdout);
-  if (command == "class" && argc == 3) return veska::cli::ShowClass(argv[2], stdout, stderr);
-  if (command == "new") return veska::cli::RunElementShell(std::span<char* const>(argv + 2, argc - 2), stdout);
-  if (command == "help" || command == "--help") return Usage(stdout, 0);
-  return Usage(stderr, 1);
+}
+
+void PrintError(const std::string& text) { std::fprintf(stderr, "veska: %s\n", text.c_str()); }
+
+// Output that did not reach its file (a full disk, a closed pipe) is a failure of the command.
+int CheckedOutput(int status) {
+  errno = 0;
+  if (std::fflush(stdout) == 0 && std::ferror(stdout) == 0) return status;
+  const int error = errno;
+  PrintError(error != 0 ? std::string("cannot write the output: ") + std::strerror(error) : "cannot write the output");
+  return 1;
 }
 
 }  // namespace
 
 int main(int argc, char** argv) {
+  veska::SetMessageSink([](const veska::String& text, veska::MessageKind) { PrintError(veska::ToUtf8(text)); });
   try {
-    return Run(argc, argv);
+    Run(Operands(argv + 1, static_cast<std::size_t>(argc > 0 ? argc - 1 : 0)));
+    return CheckedOutput(0);
+  } catch (const veska::cli::UsageError& error) {
+    PrintError(std::string(error.what()) + ". Try 'veska help'.");
+    return 2;
+  } catch (const veska::cli::ReportedFailure&) {
   } catch (const veska::Exception& error) {
-    std::fprintf(stderr, "error: %s\n", veska::ToUtf8(error.Message()).c_str());
+    PrintError(veska::ToUtf8(error.Message()));
   } catch (const std::exception& error) {
-    std::fprintf(stderr, "error: %s\n", error.what());
+    PrintError(error.what());
   }
-  return 1;
+  return CheckedOutput(1);
 }

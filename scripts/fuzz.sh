@@ -8,7 +8,7 @@ cd "$(dirname "$0")/.."
 seconds=${1:-30}
 bash scripts/install-deps.sh
 CC=clang CXX=clang++ cmake -S . -B build/fuzz -DCMAKE_BUILD_TYPE=RelWithDebInfo -DVESKA_BUILD_FUZZERS=ON \
-  -DVESKA_BUILD_TESTS=OFF -DVESKA_BUILD_BENCH=OFF -DVESKA_BUILD_CLI=OFF >/dev/null
+  -DVESKA_BUILD_TESTS=OFF -DVESKA_BUILD_BENCH=OFF -DVESKA_BUILD_EXAMPLES=OFF -DVESKA_BUILD_CLI=OFF >/dev/null
 cmake --build build/fuzz -j"$(nproc)"
 export ASAN_OPTIONS=detect_leaks=1:abort_on_error=1
 export UBSAN_OPTIONS=print_stacktrace=1:halt_on_error=1

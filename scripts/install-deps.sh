@@ -6,7 +6,7 @@
 set -euo pipefail
 
 packages=(g++ clang cmake make libicu-dev googletest libgtest-dev libgmock-dev libbenchmark-dev
-          libclang-rt-dev)
+          libclang-rt-dev pkg-config)
 if [ "${1:-}" = "--bench" ]; then
   packages+=(librttr-dev)
 fi

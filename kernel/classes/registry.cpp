@@ -450,31 +450,35 @@ void CHeckVeskaClasses() {
 
 namespace {
 
-// CreateElementByName in full: the name, else "T" + name, and the message when neither gives
-// an element.
-TElement* CreateOrReport(StringView name) {
+// The record of the class that creation by name takes: the one registered under the name,
+// else the one under "T" + name, each only with an element class; none when neither is.
+const TVeskaClass* RecordForCreationByName(StringView name) {
   TVeskaClasses& registry = VeskaClasses();
   const auto class_record = [&registry](StringView class_name) -> const TVeskaClass* {
     const TVeskaClass* record = registry.RecordNamed(class_name);
     return record != nullptr && record->ElementClass() != nullptr ? record : nullptr;
   };
   const TVeskaClass* record = class_record(name);
-  if (record == nullptr) record = class_record(String(u"T").append(name));
-  if (record != nullptr) {
-    if (TElement* element = record->NewElement()) return element;
-  }
-  ShowMessage(String(u"Neregistrovaný element: ").append(name), MessageKind::Error);
-  return nullptr;
+  return record != nullptr ? record : class_record(String(u"T").append(name));
 }
 
 }  // namespace
+
+const ClassInfo* ClassForCreationByName(StringView name) {
+  const TVeskaClass* record = RecordForCreationByName(name);
+  return record != nullptr ? record->ElementClass() : nullptr;
+}
 
 TElement* CreateElementByName(StringView name) {
   // The common case, kept short: the name is that of a class that creates elements.
   if (const TVeskaClass* record = VeskaClasses().RecordNamed(name)) {
     if (TElement* element = record->NewElement()) return element;
   }
-  return CreateOrReport(name);
+  if (const TVeskaClass* record = RecordForCreationByName(name)) {
+    if (TElement* element = record->NewElement()) return element;
+  }
+  ShowMessage(String(u"Neregistrovaný element: ").append(name), MessageKind::Error);
+  return nullptr;
 }
 
 }  // namespace veska

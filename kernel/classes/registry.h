@@ -229,6 +229,9 @@ void RegisterVeskaClass() {
 const ClassInfo* GetVeskaClass(StringView name);
 const ClassInfo* FindVeskaClass(StringView name);
 TElement* CreateElementCopy(TElement* element);
+// The class that creation by name takes: the one registered under the name, else the one
+// registered under "T" + name; none when neither is.
+const ClassInfo* ClassForCreationByName(StringView name);
 // A new element of the class registered under the name (or under "T" + name); none, with the
 // message "Neregistrovaný element: " + name, when no such class is registered.
 TElement* CreateElementByName(StringView name);

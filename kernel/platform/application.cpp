@@ -1,9 +1,12 @@
 #include "kernel/platform/application.h"
 
 #include <atomic>
+#include <deque>
 #include <exception>
 #include <filesystem>
+#include <mutex>
 #include <system_error>
+#include <thread>
 #include <utility>
 
 #include "kernel/platform/exceptions.h"
@@ -28,11 +31,20 @@ String FileStem(const String& path) { return FromUtf8(std::filesystem::path(ToUt
 
 }  // namespace
 
+struct TApplication::Shared {
+  const std::thread::id main_thread_id = std::this_thread::get_id();
+  mutable std::mutex mutex;  // guards the three members below
+  std::deque<TWindowMessage> queue;
+  // Shared so that a window procedure may replace itself while it runs.
+  std::shared_ptr<const TWindowProc> window_proc;
+  TExceptionHandler on_exception;
+};
+
 TApplication::TApplication()
     : hint_color_(kInfoBackgroundColor),
       exe_name_(RunningExecutable()),
       main_form_handle_(++last_main_form_handle),
-      main_thread_id_(std::this_thread::get_id()) {
+      shared_(std::make_unique<Shared>()) {
   title_ = FileStem(exe_name_);
 }
 
@@ -41,6 +53,8 @@ TApplication::~TApplication() {
   installed_host.compare_exchange_strong(self, nullptr);
   ClearMessages();
 }
+
+bool TApplication::IsMainThread() const noexcept { return std::this_thread::get_id() == shared_->main_thread_id; }
 
 void TApplication::SetCursor(TCursor cursor) {
   if (cursor == cursor_) return;
@@ -87,22 +101,22 @@ TWindowProc TApplication::SetWindowProc(TWindowProc window_proc) {
   auto replacement = window_proc ? std::make_shared<const TWindowProc>(std::move(window_proc)) : nullptr;
   std::shared_ptr<const TWindowProc> previous;
   {
-    std::lock_guard lock(mutex_);
-    previous = std::exchange(window_proc_, std::move(replacement));
+    std::lock_guard lock(shared_->mutex);
+    previous = std::exchange(shared_->window_proc, std::move(replacement));
   }
   return previous ? *previous : TWindowProc();
 }
 
 TExceptionHandler TApplication::SetOnException(TExceptionHandler handler) {
-  std::lock_guard lock(mutex_);
-  return std::exchange(on_exception_, std::move(handler));
+  std::lock_guard lock(shared_->mutex);
+  return std::exchange(shared_->on_exception, std::move(handler));
 }
 
 void TApplication::PostMessage(std::uint32_t msg, std::uintptr_t wparam, std::intptr_t lparam,
                                std::function<void()> discard) {
   TWindowMessage message{msg, wparam, lparam, std::move(discard)};
-  std::lock_guard lock(mutex_);
-  queue_.push_back(std::move(message));
+  std::lock_guard lock(shared_->mutex);
+  shared_->queue.push_back(std::move(message));
 }
 
 bool TApplication::SendMessage(std::uint32_t msg, std::uintptr_t wparam, std::intptr_t lparam,
@@ -115,10 +129,10 @@ void TApplication::ProcessMessages() {
   for (;;) {
     TWindowMessage message;
     {
-      std::lock_guard lock(mutex_);
-      if (queue_.empty()) return;
-      message = std::move(queue_.front());
-      queue_.pop_front();
+      std::lock_guard lock(shared_->mutex);
+      if (shared_->queue.empty()) return;
+      message = std::move(shared_->queue.front());
+      shared_->queue.pop_front();
     }
     Dispatch(message);
   }
@@ -129,8 +143,8 @@ void TApplication::ClearMessages() {
   for (;;) {
     std::deque<TWindowMessage> pending;
     {
-      std::lock_guard lock(mutex_);
-      pending.swap(queue_);
+      std::lock_guard lock(shared_->mutex);
+      pending.swap(shared_->queue);
     }
     if (pending.empty()) return;
     for (TWindowMessage& message : pending) Discard(message);
@@ -138,15 +152,15 @@ void TApplication::ClearMessages() {
 }
 
 std::size_t TApplication::PendingMessageCount() const {
-  std::lock_guard lock(mutex_);
-  return queue_.size();
+  std::lock_guard lock(shared_->mutex);
+  return shared_->queue.size();
 }
 
 bool TApplication::Dispatch(TWindowMessage& message) {
   std::shared_ptr<const TWindowProc> window_proc;
   {
-    std::lock_guard lock(mutex_);
-    window_proc = window_proc_;
+    std::lock_guard lock(shared_->mutex);
+    window_proc = shared_->window_proc;
   }
   bool taken = false;
   if (window_proc) Guarded([&] { taken = (*window_proc)(message); });
@@ -177,8 +191,8 @@ void TApplication::ReportException(const String& text) noexcept {
   try {
     TExceptionHandler handler;
     {
-      std::lock_guard lock(mutex_);
-      handler = on_exception_;
+      std::lock_guard lock(shared_->mutex);
+      handler = shared_->on_exception;
     }
     if (handler) {
       handler(text);

@@ -10,11 +10,8 @@
 
 #include <cstddef>
 #include <cstdint>
-#include <deque>
 #include <functional>
 #include <memory>
-#include <mutex>
-#include <thread>
 
 #include "kernel/platform/string.h"
 
@@ -108,8 +105,8 @@ class TApplication {
   const String& ExeName() const noexcept { return exe_name_; }
   // A stand-in for the main window's handle: non-zero and different for every host.
   std::uintptr_t MainFormHandle() const noexcept { return main_form_handle_; }
-  std::thread::id MainThreadID() const noexcept { return main_thread_id_; }
-  bool IsMainThread() const noexcept { return std::this_thread::get_id() == main_thread_id_; }
+  // Whether the calling thread is the one that created the host.
+  bool IsMainThread() const noexcept;
 
   // The busy cursor.  CursorChanged runs when the value changes.
   TCursor Cursor() const noexcept { return cursor_; }
@@ -171,15 +168,13 @@ class TApplication {
   int hint_hide_pause_ = 2500;
   String exe_name_;
   std::uintptr_t main_form_handle_;
-  std::thread::id main_thread_id_;
   TCursor cursor_ = TCursor::Default;
   TProgressState progress_;
 
-  mutable std::mutex mutex_;  // guards the three members below
-  std::deque<TWindowMessage> queue_;
-  // Shared so that a window procedure may replace itself while it runs.
-  std::shared_ptr<const TWindowProc> window_proc_;
-  TExceptionHandler on_exception_;
+  // What other threads reach: the main thread's id, the queue and the handlers with their lock.
+  // Defined in the source file, so that users of this header do not compile <thread> and <mutex>.
+  struct Shared;
+  const std::unique_ptr<Shared> shared_;
 };
 
 // The current host: the one installed with SetApplication, else the default host, which is

@@ -4,6 +4,7 @@
 #include <cerrno>
 #include <cstring>
 #include <filesystem>
+#include <fstream>
 #include <system_error>
 #include <utility>
 
@@ -139,7 +140,8 @@ void TMemoryStream::SaveToFile(const String& file_name) const {
 
 // ------------------------------------------------------------------------------ TFileStream
 
-TFileStream::TFileStream(const String& file_name, TFileMode mode) : file_name_(file_name), mode_(mode) {
+TFileStream::TFileStream(const String& file_name, TFileMode mode)
+    : file_name_(file_name), mode_(mode), file_(std::make_unique<std::filebuf>()) {
   using std::ios_base;
   ios_base::openmode open_mode = ios_base::binary;
   switch (mode) {
@@ -156,15 +158,17 @@ TFileStream::TFileStream(const String& file_name, TFileMode mode) : file_name_(f
       break;
   }
   errno = 0;
-  if (!file_.open(PathOf(file_name), open_mode)) {
+  if (!file_->open(PathOf(file_name), open_mode)) {
     const String verb = mode == TFileMode::fmCreate ? u"Cannot create file \"" : u"Cannot open file \"";
     throw EFOpenError(verb + file_name + u"\"." + ReasonOf(errno));
   }
 }
 
+TFileStream::~TFileStream() = default;
+
 void TFileStream::SwitchTo(LastAccess access) {
   if (last_access_ != LastAccess::None && last_access_ != access) {
-    file_.pubseekpos(file_.pubseekoff(0, std::ios_base::cur));
+    file_->pubseekpos(file_->pubseekoff(0, std::ios_base::cur));
   }
   last_access_ = access;
 }
@@ -173,7 +177,7 @@ std::size_t TFileStream::Read(std::span<std::byte> buffer) {
   if (mode_ == TFileMode::fmOpenWrite || buffer.empty()) return 0;
   SwitchTo(LastAccess::Reading);
   const std::streamsize read =
-      file_.sgetn(reinterpret_cast<char*>(buffer.data()), static_cast<std::streamsize>(buffer.size()));
+      file_->sgetn(reinterpret_cast<char*>(buffer.data()), static_cast<std::streamsize>(buffer.size()));
   return read > 0 ? static_cast<std::size_t>(read) : 0;
 }
 
@@ -181,20 +185,20 @@ std::size_t TFileStream::Write(std::span<const std::byte> data) {
   if (mode_ == TFileMode::fmOpenRead || data.empty()) return 0;
   SwitchTo(LastAccess::Writing);
   const std::streamsize written =
-      file_.sputn(reinterpret_cast<const char*>(data.data()), static_cast<std::streamsize>(data.size()));
+      file_->sputn(reinterpret_cast<const char*>(data.data()), static_cast<std::streamsize>(data.size()));
   return written > 0 ? static_cast<std::size_t>(written) : 0;
 }
 
 int64_t TFileStream::Seek(int64_t offset, TSeekOrigin origin) {
-  const auto current = static_cast<int64_t>(file_.pubseekoff(0, std::ios_base::cur));
+  const auto current = static_cast<int64_t>(file_->pubseekoff(0, std::ios_base::cur));
   if (origin == TSeekOrigin::soCurrent && offset == 0) return current;
   int64_t size = 0;
   if (origin == TSeekOrigin::soEnd) {
-    size = static_cast<int64_t>(file_.pubseekoff(0, std::ios_base::end));
-    file_.pubseekpos(current);  // a refused seek must leave the position alone
+    size = static_cast<int64_t>(file_->pubseekoff(0, std::ios_base::end));
+    file_->pubseekpos(current);  // a refused seek must leave the position alone
   }
   const int64_t target = SeekTarget(offset, origin, current, size);
-  if (file_.pubseekpos(target) == std::streampos(std::streamoff(-1))) {
+  if (file_->pubseekpos(target) == std::streampos(std::streamoff(-1))) {
     throw EStreamError(u"Stream seek error in file \"" + file_name_ + u"\" at position " + IntToStr(target));
   }
   last_access_ = LastAccess::None;
@@ -204,7 +208,7 @@ int64_t TFileStream::Seek(int64_t offset, TSeekOrigin origin) {
 void TFileStream::SetSize(int64_t new_size) {
   if (new_size < 0) throw EStreamError(u"Stream size error: negative size " + IntToStr(new_size));
   const int64_t position = Position();
-  file_.pubsync();
+  file_->pubsync();
   std::error_code error;
   std::filesystem::resize_file(PathOf(file_name_), static_cast<std::uintmax_t>(new_size), error);
   if (error) {

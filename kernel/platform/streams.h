@@ -8,7 +8,8 @@
 
 #include <cstddef>
 #include <cstdint>
-#include <fstream>
+#include <iosfwd>
+#include <memory>
 #include <span>
 #include <vector>
 
@@ -97,6 +98,7 @@ enum class TFileMode {
 class TFileStream : public TStream {
  public:
   TFileStream(const String& file_name, TFileMode mode);
+  ~TFileStream() override;
 
   std::size_t Read(std::span<std::byte> buffer) override;
   std::size_t Write(std::span<const std::byte> data) override;
@@ -112,7 +114,8 @@ class TFileStream : public TStream {
 
   String file_name_;
   TFileMode mode_;
-  std::filebuf file_;
+  // Behind a pointer so that users of this header do not compile <fstream>.
+  std::unique_ptr<std::filebuf> file_;
   LastAccess last_access_ = LastAccess::None;
 };
 

@@ -1,24 +1,59 @@
-# Tests of the veska program's output, which other tools read: each runs one command and
-# matches its whole output.
-function(veska_cli_test name expected)
-  add_test(NAME cli.${name} COMMAND veska-cli ${ARGN})
-  set_tests_properties(cli.${name} PROPERTIES PASS_REGULAR_EXPRESSION "${expected}")
+# Tests of the veska program, whose output other tools read: each case runs one command line and
+# checks the exit status and the whole of stdout and stderr (regular expressions).
+#   veska_cli_case(<name> <status> <stdout regex> <stderr regex> [TO <file>] ARGS <argument>...)
+function(veska_cli_case name status stdout stderr)
+  cmake_parse_arguments(PARSE_ARGV 4 case "" "TO" "ARGS")
+  string(REPLACE ";" "\\;" arguments "${case_ARGS}")
+  set(output_file "")
+  if(case_TO)
+    set(output_file "-DOUTPUT_FILE=${case_TO}")
+  endif()
+  add_test(NAME cli.${name}
+           COMMAND ${CMAKE_COMMAND} -DPROGRAM=$<TARGET_FILE:veska-cli> "-DARGS=${arguments}" -DSTATUS=${status}
+                   "-DSTDOUT=${stdout}" "-DSTDERR=${stderr}" ${output_file}
+                   -P ${CMAKE_CURRENT_LIST_DIR}/run_cli_case.cmake)
 endfunction()
 
-function(veska_cli_failure_test name expected)
-  add_test(NAME cli.${name} COMMAND veska-cli ${ARGN})
-  set_tests_properties(cli.${name} PROPERTIES WILL_FAIL TRUE)
-  add_test(NAME cli.${name}.text COMMAND veska-cli ${ARGN})
-  set_tests_properties(cli.${name}.text PROPERTIES PASS_REGULAR_EXPRESSION "${expected}")
-endfunction()
+set(none "^$")
+set(hint "\\. Try 'veska help'\\.\n$")
 
-veska_cli_test(classes_registry_record "(^|\n)0\tTVeskaClass\tTOwnerEntity\t[0-9]+\tE_class\n" classes)
-veska_cli_test(class_table "^0\tID\t1\tRW\tstored\n1\tName\t18\tRW\tstored\n2\tOwnersCount\t1\tR\tnot stored\n"
-               class TElement)
-veska_cli_failure_test(class_unknown "error: Veska nenašel třídu TNothing" class TNothing)
-veska_cli_test(new_path_and_list "^b\na\nb\nCount=2\n$"
-               new TEntity --add TOwnerElement:a --add TStringEntity:b
-               --path "FINDELEMENTBYNAME(b).Name" --list "ELEMENT.Name" --get Count)
-veska_cli_test(new_property_round_trip "^Name=Žluťoučký kůň\n$" new TNameElement "Name=Žluťoučký kůň" --get Name)
-veska_cli_failure_test(new_unknown_class "Neregistrovaný element: Nothing" new Nothing)
-veska_cli_failure_test(new_path_error "error: Chyba syntaxe" new TEntity --path "FINDELEMENTBYNAME(x")
+# Valid use: the documented output formats, byte for byte, and nothing on stderr.
+veska_cli_case(classes 0 "(^|\n)0\tTVeskaClass\tTOwnerEntity\t[0-9]+\tE_class\n(.*\n)?[0-9]+\tTVeskaClasses\t[^\n]*\n[0-9]+\tTVeskaClassProperty\t"
+               ${none} ARGS classes)
+veska_cli_case(class_table 0 "^0\tID\t1\tRW\tstored\n1\tName\t18\tRW\tstored\n2\tOwnersCount\t1\tR\tnot stored\n"
+               ${none} ARGS class TElement)
+veska_cli_case(class_without_t 0 "\n24\tValue\t18\tRW\tstored\n$" ${none} ARGS class StringEntity)
+veska_cli_case(new_path_and_list 0 "^b\na\nb\nCount=2\n$" ${none}
+               ARGS new TEntity --add TOwnerElement:a --add TStringEntity:b
+                    --path "FINDELEMENTBYNAME(b).Name" --list "ELEMENT.Name" --get Count)
+veska_cli_case(new_property_round_trip 0 "^Name=Žluťoučký kůň\n$" ${none}
+               ARGS new TNameElement "Name=Žluťoučký kůň" --get Name)
+veska_cli_case(new_entry_by_name 0 "^a=1\n$" ${none} ARGS new TStringListElement NextNameIsValue=a=1 --get a)
+veska_cli_case(help 0 "^usage: veska COMMAND" ${none} ARGS help)
+veska_cli_case(help_option 0 "^usage: veska COMMAND" ${none} ARGS -h)
+veska_cli_case(version 0 "^veska ${PROJECT_VERSION}\n$" ${none} ARGS version)
+veska_cli_case(version_option 0 "^veska ${PROJECT_VERSION}\n$" ${none} ARGS -V)
+
+# Failures: status 1, the library's own texts after the program's prefix.
+veska_cli_case(class_unknown 1 ${none} "^veska: Veska nenašel třídu TNothing\n$" ARGS class TNothing)
+veska_cli_case(new_unknown_class 1 ${none} "^veska: Neregistrovaný element: Nothing\n$" ARGS new Nothing)
+veska_cli_case(new_add_unknown_class 1 ${none} "^veska: Neregistrovaný element: TFoo\n$" ARGS new TEntity --add TFoo:a)
+veska_cli_case(new_path_error 1 ${none} "^veska: Chyba syntaxe\\. \\.\\. na pozici 20 očekávám \"\\)\"\n$"
+               ARGS new TEntity --path "FINDELEMENTBYNAME(x")
+veska_cli_case(new_get_missing 1 "^$" "^veska: TNameElement has no property Foo\n$" ARGS new TNameElement --get Foo)
+veska_cli_case(new_set_missing 1 "^$" "^veska: TNameElement has no property Foo\n$" ARGS new TNameElement Foo=1)
+veska_cli_case(output_full 1 ${none} "^veska: cannot write the output" TO /dev/full ARGS classes)
+
+# Mistakes in the command line: status 2, one line, and no command has run.
+veska_cli_case(usage_no_command 2 ${none} "^veska: missing command${hint}")
+veska_cli_case(usage_unknown_command 2 ${none} "^veska: unknown command 'frob'${hint}" ARGS frob)
+veska_cli_case(usage_unknown_option 2 ${none} "^veska: unknown option '-x'${hint}" ARGS -x)
+veska_cli_case(usage_missing_operand 2 ${none} "^veska: class: missing NAME${hint}" ARGS class)
+veska_cli_case(usage_extra_operand 2 ${none} "^veska: classes: unexpected argument 'x'${hint}" ARGS classes x)
+veska_cli_case(usage_new_missing_class 2 ${none} "^veska: new: missing CLASS${hint}" ARGS new)
+veska_cli_case(usage_new_option_operand 2 ${none} "^veska: new: --get needs an argument${hint}"
+               ARGS new TEntity --list ELEMENT.Name --get)
+veska_cli_case(usage_new_unknown_argument 2 ${none} "^veska: new: unknown argument 'bar'${hint}"
+               ARGS new TEntity --path ELEMENT.Count bar)
+veska_cli_case(usage_new_add_operand 2 ${none} "^veska: new: --add takes CLASS:NAME, not 'X'${hint}"
+               ARGS new TEntity --add X)
