@@ -3,7 +3,6 @@
 // copies: the owner of the index keeps the names alive and unchanged, or builds it afresh.
 #pragma once
 
-#include <algorithm>
 #include <bit>
 #include <cstdint>
 #include <cstring>
@@ -125,7 +124,9 @@ class FoldedNameIndex {
 
   void Grow() {
     std::vector<Slot> old = std::move(slots_);
-    slots_.assign(std::bit_ceil(std::max(kLeastSize, 4 * (used_ + 1))), Slot{});
+    // Called only when more than half of at least kLeastSize slots would be in use, so the new
+    // table is at least four times kLeastSize.
+    slots_.assign(std::bit_ceil(4 * (used_ + 1)), Slot{});
     mask_ = slots_.size() - 1;
     used_ = 0;
     for (const Slot& slot : old) {
