@@ -69,15 +69,19 @@ void StringAsText_rttr(benchmark::State& state) {
 }
 BENCHMARK(StringAsText_rttr);
 
-// RTTR writes a property only from a value of the property's own type: the text is converted first.
+// RTTR writes a property only from a value of the property's own type: the text is converted
+// first.  The conversion is the variant's own to_int: converting to the property's type instead
+// finds no converter when this file is compiled by clang++, as RTTR names the built-in types by
+// the compiler's spelling of them and the library was built by g++.
 void IntFromText_rttr(benchmark::State& state) {
   RttrPump pump = Pump();
   const std::string text = "123";
   for (auto _ : state) {
     const rttr::property property = PropertyNamed(pump, "Pressure");
-    rttr::variant value = text;
-    value.convert(property.get_type());
-    benchmark::DoNotOptimize(property.set_value(pump, value));
+    const rttr::variant value = text;
+    bool converted = false;
+    const int number = value.to_int(&converted);
+    benchmark::DoNotOptimize(converted && property.set_value(pump, number));
   }
   if (pump.Pressure != 123) state.SkipWithError("the text was not written");
 }

@@ -144,7 +144,7 @@ class TVeskaClasses : public TOwnerEntity {
   const ClassInfo* ClassNamed(StringView name);
   // The record behind ClassNamed: the first record of that name; none when there is none.
   // Inline, as every creation by class name asks it.
-  TVeskaClass* RecordNamed(StringView name) {
+  [[gnu::always_inline]] TVeskaClass* RecordNamed(StringView name) {
     if (NameIndexHolds()) {
       if (TVeskaClass* const* found = name_index_.Find(name)) return *found;
     }
@@ -216,7 +216,7 @@ TVeskaClasses& CreateProcessRegistry();
 // Threads: registration belongs to start-up (or to the main thread afterwards).  Once it is
 // over, GetVeskaClass, FindVeskaClass and CreateElementByName are safe from any thread: they
 // only read the registry.
-inline TVeskaClasses& VeskaClasses() {
+[[gnu::always_inline]] inline TVeskaClasses& VeskaClasses() {
   if (TVeskaClasses* registry = detail::process_registry.load(std::memory_order_acquire)) return *registry;
   return detail::CreateProcessRegistry();
 }

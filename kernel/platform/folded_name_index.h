@@ -89,7 +89,7 @@ class FoldedNameIndex {
   // The value of the name, or none.  Names are mostly looked up as they were declared: the
   // probe compares exactly, and only a name that differs from a candidate in case alone takes
   // the folded probe, out of line.
-  const Value* Find(StringView name) const {
+  [[gnu::always_inline]] const Value* Find(StringView name) const {
     const uint32_t hash = FoldedNameHash(name);
     bool differs_in_case = false;
     for (std::size_t i = hash & mask_;; i = (i + 1) & mask_) {
