@@ -36,23 +36,25 @@ inline bool SameChars(const char16_t* a, const char16_t* b, std::size_t size) {
 // Whether two names are equal with the letters a-z folded; other characters must match exactly.
 bool SameFoldedName(StringView a, StringView b);
 
-// A hash on which names equal with a-z folded agree, from the length and the first and last
-// four characters: names are short, and a collision costs only a comparison.  Clearing bit 5
-// of every character folds a-z onto A-Z (and merges a few other pairs, which again costs only
-// a comparison).
+// A hash on which names equal with a-z folded agree.  Clearing bit 5 of every character folds
+// a-z onto A-Z (and merges a few other pairs, which only costs a comparison).  Every character
+// counts, so that names of one length and one prefix and suffix ("TModelAElement",
+// "TModelBElement") do not share a slot; the characters go in four at a time (the last four
+// overlapping the others) by a rotation and an exclusive or, and one multiplication mixes the
+// whole at the end.
 inline uint32_t FoldedNameHash(StringView name) {
   constexpr uint64_t kFold = ~uint64_t{0x0020'0020'0020'0020};
   constexpr uint64_t kMix = 0x9E37'79B9'7F4A'7C15;
-  uint64_t head = 0;
-  uint64_t tail = 0;
-  if (name.size() >= 4) {
-    std::memcpy(&head, name.data(), sizeof head);
-    std::memcpy(&tail, name.data() + name.size() - 4, sizeof tail);
+  const std::size_t size = name.size();
+  uint64_t hash = size;
+  if (size < 4) {
+    for (const char16_t c : name) hash = (hash << 16) | c;
+    hash &= kFold;
   } else {
-    for (const char16_t c : name) head = (head << 16) | c;
+    for (std::size_t i = 0; i + 4 < size; i += 4) hash = std::rotl(hash, 23) ^ (FourChars(name.data() + i) & kFold);
+    hash = std::rotl(hash, 23) ^ (FourChars(name.data() + size - 4) & kFold);
   }
-  const uint64_t mixed = (head & kFold) ^ std::rotl(tail & kFold, 29) ^ name.size();
-  return static_cast<uint32_t>((mixed * kMix) >> 32);
+  return static_cast<uint32_t>((hash * kMix) >> 32);
 }
 
 // Open addressing with linear probing over a power-of-two table at most half full.  Value is a
