@@ -10,7 +10,7 @@
 #include <tuple>
 
 #include "kernel/platform/exceptions.h"
-#include "tests/platform/comma_locale.h"
+#include "tests/support/comma_locale.h"
 
 namespace veska {
 namespace {
@@ -299,7 +299,7 @@ TEST(LocaleDateTime, ReadsTimesAndDateTimesWithOptionalSecondsAndFraction) {
 }
 
 TEST(LocaleDateTime, ResultsDoNotDependOnTheProcessLocale) {
-  const testing::CommaLocale comma_locale;
+  const test::CommaLocale comma_locale;
   const TDateTime value = EncodeDateTime(2031, 5, 1, 7, 5, 3, 6);
   const String formatted = FormatDateTime(u"dd/mm/yyyy hh:nn:ss.zzz", value);
   const TDateTime parsed = ISO8601ToDate(u"2031-05-01T07:05:03.006Z");

@@ -10,7 +10,7 @@
 #include <string>
 
 #include "kernel/platform/exceptions.h"
-#include "tests/platform/comma_locale.h"
+#include "tests/support/comma_locale.h"
 
 namespace veska {
 namespace {
@@ -167,7 +167,7 @@ TEST(FloatText, GeneralFormReadsBackToFifteenDigits) {
 }
 
 TEST(FloatText, ResultsDoNotDependOnTheProcessLocale) {
-  const testing::CommaLocale comma_locale;
+  const test::CommaLocale comma_locale;
   const String general = FloatToStr(1234567.5);
   const String unformatted = FloatToStrUnformatted(-1234567.5);
   double read = 0;

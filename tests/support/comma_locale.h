@@ -7,7 +7,7 @@
 #include <locale>
 #include <string>
 
-namespace veska::testing {
+namespace veska::test {
 
 class CommaLocale {
  public:
@@ -37,4 +37,4 @@ class CommaLocale {
   std::string previous_c_;
 };
 
-}  // namespace veska::testing
+}  // namespace veska::test
