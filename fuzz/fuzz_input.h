@@ -21,6 +21,12 @@ class FuzzInput {
     bytes_ = bytes_.subspan(1);
     return choice;
   }
+  // The next `count` bytes (fewer where the input ends), read as UTF-8.
+  String TakeString(std::size_t count) {
+    const std::span<const std::uint8_t> taken = bytes_.first(count < bytes_.size() ? count : bytes_.size());
+    bytes_ = bytes_.subspan(taken.size());
+    return FromUtf8({reinterpret_cast<const char*>(taken.data()), taken.size()});
+  }
   // The rest of the input.
   std::span<const std::uint8_t> Rest() const { return bytes_; }
   std::string_view RestAsText() const { return {reinterpret_cast<const char*>(bytes_.data()), bytes_.size()}; }

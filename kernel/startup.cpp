@@ -7,6 +7,7 @@
 #include "kernel/classes/registry.h"
 #include "kernel/elements/class_lookup.h"
 #include "kernel/elements/elements_unit.h"
+#include "kernel/models/models_unit.h"
 #include "kernel/types/types_unit.h"
 
 namespace veska {
@@ -17,6 +18,9 @@ constexpr UnitClasses kStartUpTable[] = {
     kRegistryUnitClasses,
     kElementsUnitClasses,
     kTypesUnitClasses,
+    kSystemRegisterUnitClasses,
+    kElementModelUnitClasses,
+    kToolModelUnitClasses,
 };
 
 void RegisterLibraryUnits(TVeskaClasses& registry) {

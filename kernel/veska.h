@@ -44,3 +44,10 @@
 #include "kernel/types/list_elements.h"
 #include "kernel/types/type_elements.h"
 #include "kernel/types/types_unit.h"
+
+// Models: inheritance, element, property and tool models, the system register.
+#include "kernel/models/element_model.h"
+#include "kernel/models/inheritance_model.h"
+#include "kernel/models/models_unit.h"
+#include "kernel/models/system_register.h"
+#include "kernel/models/tool_model.h"

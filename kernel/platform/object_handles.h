@@ -28,4 +28,20 @@ class ObjectHandles {
   static void Forget(TObject& object) noexcept;
 };
 
+// A reference that does not keep its object: it holds the object's handle and reads as none
+// once the object is destroyed, so a holder that does not own what it points at (a cached
+// part, a selected item) never reaches a freed object.
+template <class T>
+class WeakRef {
+ public:
+  WeakRef() = default;
+  WeakRef(T* object) : handle_(ObjectHandles::HandleOf(object)) {}  // NOLINT: a reference converts implicitly
+  // The object, or none when it was none or is gone.  A handle names one object for the whole
+  // run, so a live object found under it is the T that was stored.
+  T* Get() const { return static_cast<T*>(ObjectHandles::ObjectOf(handle_)); }
+
+ private:
+  int32_t handle_ = 0;
+};
+
 }  // namespace veska

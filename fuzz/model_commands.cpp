@@ -1,0 +1,88 @@
+// Drives a model with a script of property writes and reads, as files and scripts drive models:
+// commands of the inheritance root (NewClassName, FindClassName, DeleteActualItem, ...), the
+// element and tool models (NewPropertyName, NewSourceLink, NewToolName, ...) and the system
+// register, with steps into the parts that object-valued properties hand out and writes of the
+// reference numbers of objects seen on the way, so that links and nodes meet in any order.
+//
+// Each command is three bytes (what to do, which property, how many bytes of text follow) and
+// the text.
+#include <memory>
+#include <vector>
+
+#include "fuzz/fuzz_input.h"
+#include "kernel/elements/property_access.h"
+#include "kernel/models/models_unit.h"
+#include "kernel/platform/message_sink.h"
+#include "kernel/platform/object_handles.h"
+
+namespace {
+
+using namespace veska;
+
+enum class Command { Write, WriteReference, ReadAll, StepInto, BackToRoot, Count };
+
+TElement* CreateRoot(fuzz::FuzzInput& input) {
+  switch (input.Choose(4)) {
+    case 0:
+      return new TSystemRegister;
+    case 1:
+      return new TRegisterClassModels;
+    case 2:
+      return new TElementModel;
+    default:
+      return new TToolModel;
+  }
+}
+
+// Properties that act outside the model: files anywhere on the machine, or messages handed to
+// the host, which then owns them.
+bool ActsOutside(const String& name) {
+  for (StringView outside : {u"LoadFromFile", u"SaveToFile", u"SendIt", u"PostIt"}) {
+    if (SameText(name, outside)) return true;
+  }
+  return false;
+}
+
+}  // namespace
+
+extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
+  static const MessageSink quiet = SetMessageSink([](const String&, MessageKind) {});
+  fuzz::FuzzInput input(data, size);
+  std::unique_ptr<TElement> root(CreateRoot(input));
+  std::vector<WeakRef<TObject>> seen{root.get()};
+  WeakRef<TObject> current = root.get();
+  for (int step = 0; step < 64 && !input.Rest().empty(); ++step) {
+    const auto command = static_cast<Command>(input.Choose(static_cast<std::size_t>(Command::Count)));
+    TObject* target = current.Get();
+    if (target == nullptr) target = root.get();
+    const int count = GetPropCount(target);
+    const String name = GetPropName(target, static_cast<int>(input.Choose(static_cast<std::size_t>(count))));
+    const std::size_t length = input.Choose(24);
+    const String text = input.TakeString(length);
+    if (ActsOutside(name)) continue;
+    switch (command) {
+      case Command::Write:
+        SetPropStringByName(target, name, text);
+        break;
+      case Command::WriteReference: {
+        TObject* referenced = seen[length % seen.size()].Get();
+        SetPropStringByName(target, name, IntToStr(ObjectHandles::HandleOf(referenced)));
+        break;
+      }
+      case Command::ReadAll:
+        for (int i = 0; i < count; ++i) (void)GetPropString(target, i);
+        break;
+      case Command::StepInto:
+        if (TObject* part = GetObjectPropByName(target, name)) {
+          current = part;
+          seen.emplace_back(part);
+        }
+        break;
+      case Command::BackToRoot:
+      case Command::Count:
+        current = root.get();
+        break;
+    }
+  }
+  return 0;
+}

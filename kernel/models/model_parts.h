@@ -1,0 +1,45 @@
+// The named parts of models: entities that a model keeps among its own elements under fixed
+// upper-case names ("LINKS", "PROPERTIES", ...), found by name and created on first use, so that
+// a model loaded from a file and one built by a program meet in the same place.
+#pragma once
+
+#include "kernel/elements/entity.h"
+
+namespace veska {
+
+// The part of that name, created as a Part and added when there is none.  None when an element
+// of that name is there but is not a Part: a file may hold anything under any name.
+template <class Part>
+Part* FindOrCreatePart(TEntity& holder, StringView name) {
+  return ObjectAs<Part>(holder.FindOrCreateElementName(Part::StaticClassInfo(), String(name)));
+}
+
+// The part of that name when it is there and is an entity; never created.
+inline TEntity* ExistingPart(TEntity& holder, StringView name) {
+  return ObjectAs<TEntity>(holder.FindElementName(String(name)));
+}
+
+// Whether the part is missing or holds nothing; asking does not create it.
+inline bool PartIsEmpty(TEntity& holder, StringView name) {
+  TEntity* part = ExistingPart(holder, name);
+  return part == nullptr || part->ElementsCount() == 0;
+}
+
+// Adds a new Member of that name to the part; nothing when there is no part.
+template <class Member>
+void AddNewMember(TEntity* part, const String& name) {
+  if (part == nullptr) return;
+  auto* member = new Member;
+  member->SetName(name);
+  part->AddElement(member);
+}
+
+// The last member of the part, when it is a Member; none when the part is missing or empty.
+template <class Member>
+Member* LastMemberOfPart(TEntity& holder, StringView name) {
+  TEntity* part = ExistingPart(holder, name);
+  if (part == nullptr || part->ElementsCount() == 0) return nullptr;
+  return ObjectAs<Member>(part->Get(part->GetLastIndex()));
+}
+
+}  // namespace veska
