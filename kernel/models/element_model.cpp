@@ -57,9 +57,8 @@ void TModelLink::Link() {
   TElement* destination_instance = static_cast<TPropertyModel*>(destination)->GetInstance();
   if (destination_instance == nullptr) return;
 
-  const String value = source_kind == LinkEnd::Property
-                           ? source_instance->GetPropertyStringByName(source->GetName())
-                           : ReferenceText(source_instance);
+  const String value = source_kind == LinkEnd::Property ? source_instance->GetPropertyStringByName(source->GetName())
+                                                        : ReferenceText(source_instance);
   if (destination_kind == LinkEnd::Property) {
     destination_instance->SetPropertyStringByName(destination->GetName(), value);
   } else if (auto* entity = ObjectAs<TEntity>(destination_instance)) {
@@ -148,9 +147,7 @@ bool TElementModel::GetNoModelProperties() { return PartIsEmpty(*this, kProperti
 bool TElementModel::GetNoModelElements() { return PartIsEmpty(*this, kElementsPart); }
 bool TElementModel::GetNoImages() { return PartIsEmpty(*this, kImagesPart); }
 
-void TElementModel::SetNewPropertyName(const String& name) {
-  AddNewMember<TPropertyModel>(GetModelProperties(), name);
-}
+void TElementModel::SetNewPropertyName(const String& name) { AddNewMember<TPropertyModel>(GetModelProperties(), name); }
 
 TPropertyModel* TElementModel::GetLastPropertyModel() {
   return LastMemberOfPart<TPropertyModel>(*this, kPropertiesPart);

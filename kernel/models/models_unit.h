@@ -15,8 +15,8 @@ inline constexpr UnitClasses kSystemRegisterUnitClasses{
     ClassListOf<TSystemRegister, TRegisterClassModel, TRegisterClassModels, TRegisterPropertyModel>};
 
 inline constexpr UnitClasses kElementModelUnitClasses{
-    kElementModelUnit, ClassListOf<TModelLink, TSourceModelLink, TDestinationModelLink, TPropertyModel,
-                                   TModelProperties, TElementModel>};
+    kElementModelUnit,
+    ClassListOf<TModelLink, TSourceModelLink, TDestinationModelLink, TPropertyModel, TModelProperties, TElementModel>};
 
 inline constexpr UnitClasses kToolModelUnitClasses{kToolModelUnit, ClassListOf<TToolModel>};
 
