@@ -29,8 +29,8 @@ std::unique_ptr<TElement> CreateElement(const String& class_name) {
   return element;
 }
 
-String NoSuchProperty(const TElement& element, const String& name) {
-  return element.ClassName() + u" has no property " + name;
+String NoSuchProperty(const TObject& object, const String& name) {
+  return object.ClassName() + u" has no property " + name;
 }
 
 // An element may answer names beyond its published properties (a string list answers the names
@@ -41,12 +41,25 @@ String PropertyText(const TElement& element, const String& name) {
   return text;
 }
 
+// NAME=VALUE writes a property of the element; PATH.NAME=VALUE one of the object that the path
+// command PATH reaches from it, such as a part of a model.  Elements take the write through
+// their own (overridable) by-name write, as reads go through their own by-name read.
 void SetProperty(TElement& element, const String& assignment) {
   const std::size_t equals = assignment.find(u'=');
-  const String name = assignment.substr(0, equals);
-  if (!element.SetPropertyStringByName(name, assignment.substr(equals + 1))) {
-    throw Exception(NoSuchProperty(element, name));
+  const String target_and_name = assignment.substr(0, equals);
+  const String value = assignment.substr(equals + 1);
+  const std::size_t dot = target_and_name.rfind(u'.');
+  TObject* target = &element;
+  if (dot != String::npos) {
+    const String path = target_and_name.substr(0, dot);
+    target = element.ExecuteCommandLineToElement(path);
+    if (target == nullptr) throw Exception(path + u" leads to no object");
   }
+  const String name = target_and_name.substr(dot == String::npos ? 0 : dot + 1);
+  auto* target_element = ObjectAs<TElement>(target);
+  const bool written = target_element != nullptr ? target_element->SetPropertyStringByName(name, value)
+                                                 : SetPropStringByName(target, name, value);
+  if (!written) throw Exception(NoSuchProperty(*target, name));
 }
 
 void AddMember(TElement& element, const String& class_and_name) {
@@ -86,11 +99,10 @@ void RunStep(TElement& element, const ShellStep& step, std::FILE* out) {
 ShellScript ParseShellArguments(std::span<char* const> arguments) {
   if (arguments.empty()) throw UsageError("missing CLASS");
   ShellScript script{arguments[0], {}};
-  constexpr std::pair<std::string_view, ShellStep::Action> kOptions[] = {
-      {"--get", ShellStep::Action::Get},
-      {"--add", ShellStep::Action::Add},
-      {"--path", ShellStep::Action::Path},
-      {"--list", ShellStep::Action::List}};
+  constexpr std::pair<std::string_view, ShellStep::Action> kOptions[] = {{"--get", ShellStep::Action::Get},
+                                                                         {"--add", ShellStep::Action::Add},
+                                                                         {"--path", ShellStep::Action::Path},
+                                                                         {"--list", ShellStep::Action::List}};
   for (std::size_t index = 1; index < arguments.size(); ++index) {
     const std::string_view argument = arguments[index];
     const auto* option = std::find_if(std::begin(kOptions), std::end(kOptions),

@@ -10,13 +10,14 @@ namespace veska::cli {
 
 // One argument after the class name:
 //   NAME=VALUE          writes VALUE into property NAME (SetPropertyStringByName)
+//   PATH.NAME=VALUE     the same on the object that the path command PATH reaches
 //   --get NAME          prints "NAME=" and the property's text
 //   --add CLASS:NAME    creates an element of CLASS named NAME and adds it to the element
 //   --path CMD          prints the result of ExecuteCommandLine(CMD)
 //   --list CMD          prints each line of ExecuteCommandLineToList(CMD)
 struct ShellStep {
   enum class Action { Set, Get, Add, Path, List } action;
-  std::string operand;  // NAME=VALUE, NAME, CLASS:NAME or CMD
+  std::string operand;  // [PATH.]NAME=VALUE, NAME, CLASS:NAME or CMD
 };
 
 struct ShellScript {

@@ -33,6 +33,7 @@ constexpr std::string_view kUsage =
     "  new CLASS [ARG]...\n"
     "              create an element and work on it, argument by argument:\n"
     "                NAME=VALUE        write a property as text\n"
+    "                PATH.NAME=VALUE   write a property of the object a path command reaches\n"
     "                --get NAME        print NAME=<the property as text>\n"
     "                --add CLASS:NAME  add a new named element of CLASS to it\n"
     "                --path CMD        print the result of a path command\n"
@@ -84,7 +85,8 @@ void Run(Operands arguments) {
   const Command& command = FindCommand(arguments[0]);
   const Operands operands = arguments.subspan(1);
   try {
-    if (operands.size() < command.min_operands) throw veska::cli::UsageError("missing " + std::string(command.operands));
+    if (operands.size() < command.min_operands)
+      throw veska::cli::UsageError("missing " + std::string(command.operands));
     if (operands.size() > command.max_operands) {
       throw veska::cli::UsageError("unexpected argument '" + std::string(operands[command.max_operands]) + "'");
     }

@@ -42,13 +42,13 @@ bool IsSelfOrAbove(TElement* element, const TElement* candidate) {
 // --- TInheritanceModel ------------------------------------------------------------------------
 
 TModelItems* TInheritanceModel::GetItems() {
-  if (TModelItems* items = items_.Get()) return items;
+  if (TModelItems* items = items_.Get(*this)) return items;
   auto* items = ObjectAs<TModelItems>(FindElementClass(TModelItems::StaticClassInfo()));
   if (items == nullptr) {
     items = new TModelItems;
     AddElement(items);
   }
-  items_ = items;
+  items_.Set(items);
   return items;
 }
 
@@ -105,17 +105,21 @@ bool TInheritanceModel::ItsMyClass(const ClassInfo* cls) const {
 }
 
 // Each step follows the first child that covers the class and answers with what that child
-// answers, so the loop is the descent without the call stack.  A tree loaded with a cycle in
-// it ends the descent where the cycle closes.
+// answers, so the loop is the descent without the call stack.  Past a depth that no class
+// hierarchy reaches, the nodes seen are remembered, so that a loaded tree with a cycle in it
+// ends the descent where the cycle closes.
 TInheritanceModel* TInheritanceModel::GetItemForClass(const ClassInfo* cls) {
-  std::unordered_set<const TInheritanceModel*> visited;
+  constexpr int kDepthWithoutCycles = 256;
+  std::unordered_set<const TInheritanceModel*> seen_deep;
   TInheritanceModel* node = this;
-  for (;;) {
+  for (int depth = 0;; ++depth) {
     TInheritanceModel* provisional = node->class_ != nullptr ? node : nullptr;
-    if (node->class_ == cls || node->GetNoItems() || !visited.insert(node).second) return provisional;
+    if (node->class_ == cls) return provisional;
     TModelItems* items = node->GetItems();
+    const int count = items->ElementsCount();
+    if (count == 0 || (depth > kDepthWithoutCycles && !seen_deep.insert(node).second)) return provisional;
     TInheritanceModel* covering = nullptr;
-    for (int i = 0; i < items->ElementsCount() && covering == nullptr; ++i) {
+    for (int i = 0; i < count && covering == nullptr; ++i) {
       auto* child = ObjectAs<TInheritanceModel>(items->Get(i));
       if (child != nullptr && child->ItsMyClass(cls)) covering = child;
     }

@@ -14,6 +14,7 @@
 #include <cstdint>
 
 #include "kernel/elements/named.h"
+#include "kernel/models/model_parts.h"
 #include "kernel/platform/object_handles.h"
 
 namespace veska {
@@ -61,7 +62,7 @@ class TInheritanceModel : public TOwnerEntity {
 
  private:
   const ClassInfo* class_ = nullptr;
-  WeakRef<TModelItems> items_;
+  CachedPart<TModelItems> items_;
 };
 
 // The root of an inheritance model with its command interface.  Error codes, fixed because

@@ -7,6 +7,21 @@
 
 namespace veska {
 
+// A part that its holder remembers once found or made.  It is taken while it is still one of
+// the holder's members: a part freed or taken away since reads as none, and a member is alive,
+// so its class can be asked.
+template <class Part>
+class CachedPart {
+ public:
+  Part* Get(const TEntity& holder) const {
+    return part_ != nullptr && holder.IndexOf(part_) >= 0 ? ObjectAs<Part>(part_) : nullptr;
+  }
+  void Set(Part* part) { part_ = part; }
+
+ private:
+  TElement* part_ = nullptr;
+};
+
 // The part of that name, created as a Part and added when there is none.  None when an element
 // of that name is there but is not a Part: a file may hold anything under any name.
 template <class Part>

@@ -1,17 +1,15 @@
 #include "kernel/models/system_register.h"
 
-#include "kernel/models/model_parts.h"
-
 namespace veska {
 
 namespace {
 
 // The cached part, or the part of that name found or made now and cached.
 template <class Part>
-Part* CachedNamedPart(TEntity& holder, WeakRef<Part>& cache, StringView name) {
-  if (Part* part = cache.Get()) return part;
+Part* CachedNamedPart(TEntity& holder, CachedPart<Part>& cache, StringView name) {
+  if (Part* part = cache.Get(holder)) return part;
   Part* part = FindOrCreatePart<Part>(holder, name);
-  cache = part;
+  cache.Set(part);
   return part;
 }
 
@@ -23,17 +21,17 @@ void TRegisterPropertyModel::Publish(Publisher<TRegisterPropertyModel>& p) {
   p.Field(u"Editor", &TRegisterPropertyModel::Editor);
 }
 
-TOwnerEntity* TRegisterClassModel::CachedPart(WeakRef<TOwnerEntity>& cache, StringView name) {
-  if (TOwnerEntity* part = cache.Get()) return part;
+TOwnerEntity* TRegisterClassModel::OwnPart(CachedPart<TOwnerEntity>& cache, StringView name) {
+  if (TOwnerEntity* part = cache.Get(*this)) return part;
   auto* part = new TOwnerEntity;
   part->SetName(String(name));
   AddElement(part);
-  cache = part;
+  cache.Set(part);
   return part;
 }
 
-TOwnerEntity* TRegisterClassModel::GetPropertyModels() { return CachedPart(property_models_, u"PROPERTY MODELS"); }
-TOwnerEntity* TRegisterClassModel::GetShell() { return CachedPart(shell_, u"SHELL"); }
+TOwnerEntity* TRegisterClassModel::GetPropertyModels() { return OwnPart(property_models_, u"PROPERTY MODELS"); }
+TOwnerEntity* TRegisterClassModel::GetShell() { return OwnPart(shell_, u"SHELL"); }
 
 void TRegisterClassModel::Publish(Publisher<TRegisterClassModel>& p) {
   using Self = TRegisterClassModel;

@@ -13,7 +13,7 @@
 #include <cstdint>
 
 #include "kernel/models/inheritance_model.h"
-#include "kernel/platform/object_handles.h"
+#include "kernel/models/model_parts.h"
 #include "kernel/types/list_elements.h"
 
 namespace veska {
@@ -50,10 +50,10 @@ class TRegisterClassModel : public TInheritanceModel {
   static void Publish(Publisher<TRegisterClassModel>& p);
 
  private:
-  TOwnerEntity* CachedPart(WeakRef<TOwnerEntity>& cache, StringView name);
+  TOwnerEntity* OwnPart(CachedPart<TOwnerEntity>& cache, StringView name);
 
-  WeakRef<TOwnerEntity> property_models_;
-  WeakRef<TOwnerEntity> shell_;
+  CachedPart<TOwnerEntity> property_models_;
+  CachedPart<TOwnerEntity> shell_;
 };
 
 // The root of the class models: NewClassName makes class models.
@@ -78,9 +78,9 @@ class TSystemRegister : public TOwnerEntity {
   static void Publish(Publisher<TSystemRegister>& p);
 
  private:
-  WeakRef<TStringListElement> images_;
-  WeakRef<TStringListElement> cursors_;
-  WeakRef<TRegisterClassModels> class_models_;
+  CachedPart<TStringListElement> images_;
+  CachedPart<TStringListElement> cursors_;
+  CachedPart<TRegisterClassModels> class_models_;
 };
 
 }  // namespace veska

@@ -29,6 +29,13 @@ veska_cli_case(new_path_and_list 0 "^b\na\nb\nCount=2\n$" ${none}
 veska_cli_case(new_property_round_trip 0 "^Name=Žluťoučký kůň\n$" ${none}
                ARGS new TNameElement "Name=Žluťoučký kůň" --get Name)
 veska_cli_case(new_entry_by_name 0 "^a=1\n$" ${none} ARGS new TStringListElement NextNameIsValue=a=1 --get a)
+veska_cli_case(new_class_models 0 "^ActualClassName=TTypeElement\nTypeEditor\n$" ${none}
+               ARGS new TRegisterClassModels NewClassName=TElement NewClassName=TTypeElement
+                    FindClassName=TTypeElement ActualClassModel.Editor=TypeEditor
+                    FindClassName=TBooleanElement --get ActualClassName --path ActualClassModel.Editor)
+veska_cli_case(new_tool_model 0 "^Speed\n1450\n$" ${none}
+               ARGS new TToolModel NewPropertyName=Speed ModelProperties.Speed=1450 --list ModelProperties.ELEMENT.Name
+                    --path LastPropertyModel.Value)
 veska_cli_case(help 0 "^usage: veska COMMAND" ${none} ARGS help)
 veska_cli_case(help_option 0 "^usage: veska COMMAND" ${none} ARGS -h)
 veska_cli_case(version 0 "^veska ${PROJECT_VERSION}\n$" ${none} ARGS version)
@@ -42,6 +49,8 @@ veska_cli_case(new_path_error 1 ${none} "^veska: Chyba syntaxe\\. \\.\\. na pozi
                ARGS new TEntity --path "FINDELEMENTBYNAME(x")
 veska_cli_case(new_get_missing 1 "^$" "^veska: TNameElement has no property Foo\n$" ARGS new TNameElement --get Foo)
 veska_cli_case(new_set_missing 1 "^$" "^veska: TNameElement has no property Foo\n$" ARGS new TNameElement Foo=1)
+veska_cli_case(new_set_through_nothing 1 "^$" "^veska: LastPropertyModel leads to no object\n$"
+               ARGS new TElementModel LastPropertyModel.Value=1)
 veska_cli_case(output_full 1 ${none} "^veska: cannot write the output" TO /dev/full ARGS classes)
 
 # Mistakes in the command line: status 2, one line, and no command has run.
