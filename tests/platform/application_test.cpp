@@ -3,6 +3,7 @@
 #include <gtest/gtest.h>
 
 #include <filesystem>
+#include <functional>
 #include <stdexcept>
 #include <thread>
 #include <tuple>
@@ -13,19 +14,6 @@
 
 namespace veska {
 namespace {
-
-// Counts how often the discard of each message runs.
-class DiscardCounter {
- public:
-  explicit DiscardCounter(std::size_t messages) : counts_(messages, 0) {}
-  std::function<void()> For(std::size_t message) {
-    return [this, message] { ++counts_[message]; };
-  }
-  const std::vector<int>& Counts() const { return counts_; }
-
- private:
-  std::vector<int> counts_;
-};
 
 // A host that records what a real user interface would show.
 class RecordingHost : public TApplication {
@@ -42,28 +30,32 @@ class RecordingHost : public TApplication {
   }
 };
 
-TEST(Application, StartsWithThePlatformDefaultsOnTheCreatingThread) {
+// Discards that count how often each message's payload was freed.
+struct Discards {
+  std::vector<int> counts = std::vector<int>(6, 0);
+  std::function<void()> For(std::size_t message) {
+    return [this, message] { ++counts[message]; };
+  }
+};
+
+TEST(Application, PlatformDefaultsOnTheCreatingThreadAndOneCurrentHostThatUninstallsItself) {
   const TApplication host;
   EXPECT_NE(host.MainFormHandle(), TApplication().MainFormHandle());
   // This test program is the running executable; the title is its name without extension.
   EXPECT_EQ(std::filesystem::path(ToUtf8(host.ExeName())).filename().string(), "veska_platform_tests");
   EXPECT_EQ(host.Title(), u"veska_platform_tests");
-  EXPECT_TRUE(host.IsMainThread());
   bool on_main_thread = true;
   std::thread([&] { on_main_thread = host.IsMainThread(); }).join();
-  EXPECT_FALSE(on_main_thread);
-}
+  EXPECT_TRUE(host.IsMainThread() && !on_main_thread);
 
-TEST(Application, OneCurrentHostInstalledAndUninstalled) {
   TApplication& default_host = Application();
-  EXPECT_EQ(&Application(), &default_host);  // created once
   {
     TApplication first;
     RecordingHost second;
     EXPECT_EQ(SetApplication(&first), nullptr);
     EXPECT_EQ(SetApplication(&second), &first);
     EXPECT_EQ(&Application(), &second);
-  }  // the current host goes away and uninstalls itself
+  }
   EXPECT_EQ(&Application(), &default_host);
 }
 
@@ -90,69 +82,58 @@ TEST(Application, HooksObserveCursorChangesAndProgress) {
   EXPECT_EQ(std::tuple(last.Active, last.Min, last.Max, last.Position), std::tuple(false, 0, 600, 200));
 }
 
-TEST(WindowMessages, ProcessedInPostingOrderIncludingMessagesPostedMeanwhile) {
+TEST(WindowMessages, PostedInOrderIncludingMessagesPostedMeanwhileAndSentAtOnce) {
   TApplication host;
   std::vector<std::uint32_t> seen;
   host.SetWindowProc([&](TWindowMessage& message) {
     seen.push_back(message.Msg);
+    EXPECT_EQ(message.LParam, message.Msg == 4 ? -5 : 0);
     if (message.Msg == 1) host.PostMessage(10, 0, 0);  // goes behind 2 and 3
     if (message.Msg == 2) {
       host.PostMessage(20, 0, 0);
       host.ProcessMessages();  // nested: drains 3, 10 and 20 first
     }
-    return true;
+    return message.Msg != 30;
   });
   for (std::uint32_t message : {1, 2, 3}) host.PostMessage(message, 0, 0);
   EXPECT_EQ(host.PendingMessageCount(), 3u);
+  EXPECT_TRUE(host.SendMessage(4, 0, -5));  // before the posted ones
+  EXPECT_FALSE(host.SendMessage(30, 0, 0));
   host.ProcessMessages();
-  EXPECT_EQ(seen, (std::vector<std::uint32_t>{1, 2, 3, 10, 20}));
+  EXPECT_EQ(seen, (std::vector<std::uint32_t>{4, 30, 1, 2, 3, 10, 20}));
   EXPECT_EQ(host.PendingMessageCount(), 0u);
 }
 
 TEST(WindowMessages, UntakenMessagesAreDiscardedOnceAndTakenOnesNever) {
-  DiscardCounter discards(6);
+  Discards discards;
+  std::vector<std::uintptr_t> seen;
   {
     TApplication host;
-    host.SetWindowProc([](TWindowMessage& message) { return message.WParam == 123; });
+    host.SetWindowProc([&](TWindowMessage& message) {
+      if (message.WParam == 0) host.SetWindowProc(nullptr);
+      seen.push_back(message.WParam);  // the removed procedure still runs to its end
+      return message.WParam == 123;
+    });
     host.PostMessage(WM_APP + 100, 123, 0, discards.For(0));  // taken
     host.PostMessage(WM_APP + 100, 7, 0, discards.For(1));    // refused
+    EXPECT_FALSE(host.SendMessage(WM_APP + 100, 7, 0, discards.For(2)));
     host.ProcessMessages();
-    host.ProcessMessages();
-
-    host.SetWindowProc(nullptr);
-    host.PostMessage(WM_USER, 123, 0, discards.For(2));  // nobody to take it
     host.PostMessage(WM_USER, 0, 0);                     // nothing to discard
+    host.PostMessage(WM_USER, 123, 0, discards.For(3));  // nobody left to take it
     host.ProcessMessages();
+    EXPECT_EQ(seen, (std::vector<std::uintptr_t>{7, 123, 7, 0}));
 
-    host.PostMessage(WM_USER, 0, 0, discards.For(3));
+    host.PostMessage(WM_USER, 0, 0, discards.For(4));
     host.ClearMessages();
     EXPECT_EQ(host.PendingMessageCount(), 0u);
-    host.PostMessage(WM_USER, 0, 0, discards.For(4));
     host.PostMessage(WM_USER, 0, 0, discards.For(5));
   }  // the host's end discards what is still pending
-  EXPECT_EQ(discards.Counts(), (std::vector<int>{0, 1, 1, 1, 1, 1}));
-}
-
-TEST(WindowMessages, SendCallsTheWindowProcedureAtOnce) {
-  TApplication host;
-  DiscardCounter discards(2);
-  std::vector<std::uint32_t> seen;
-  host.SetWindowProc([&](TWindowMessage& message) {
-    seen.push_back(message.Msg);
-    EXPECT_EQ(message.LParam, -5);
-    return message.Msg == 1;
-  });
-  host.PostMessage(9, 0, -5);
-  EXPECT_TRUE(host.SendMessage(1, 0, -5, discards.For(0)));
-  EXPECT_EQ(seen, (std::vector<std::uint32_t>{1}));  // before the posted message
-  EXPECT_FALSE(host.SendMessage(2, 0, -5, discards.For(1)));
-  EXPECT_EQ(discards.Counts(), (std::vector<int>{0, 1}));
-  EXPECT_EQ(host.PendingMessageCount(), 1u);
+  EXPECT_EQ(discards.counts, (std::vector<int>{0, 1, 1, 1, 1, 1}));
 }
 
 TEST(WindowMessages, ThrowingWindowProcedureIsReportedAndItsMessageDiscarded) {
   TApplication host;
-  DiscardCounter discards(3);
+  Discards discards;
   std::vector<std::uint32_t> seen;
   host.SetWindowProc([&](TWindowMessage& message) -> bool {
     seen.push_back(message.Msg);
@@ -164,7 +145,7 @@ TEST(WindowMessages, ThrowingWindowProcedureIsReportedAndItsMessageDiscarded) {
   for (std::uint32_t message : {1, 2, 3}) host.PostMessage(message, 0, 0, discards.For(message - 1));
   host.ProcessMessages();
   EXPECT_EQ(seen, (std::vector<std::uint32_t>{1, 2, 3}));  // went on after the failures
-  EXPECT_EQ(discards.Counts(), (std::vector<int>{1, 1, 0}));
+  EXPECT_EQ(discards.counts, (std::vector<int>{1, 1, 0, 0, 0, 0}));
   EXPECT_EQ(captured.Texts(), (std::vector<String>{u"List index out of bounds (3)", u"plain failure"}));
 
   // An exception handler of the host's own takes the reports instead of the sink.
@@ -173,23 +154,6 @@ TEST(WindowMessages, ThrowingWindowProcedureIsReportedAndItsMessageDiscarded) {
   EXPECT_FALSE(host.SendMessage(1, 0, 0));
   EXPECT_EQ(handled, (std::vector<String>{u"World Level Error :List index out of bounds (3)"}));
   EXPECT_EQ(captured.Entries().size(), 2u);
-}
-
-TEST(WindowMessages, WindowProcedureMayReplaceItselfWhileRunning) {
-  TApplication host;
-  std::vector<int> calls;
-  host.SetWindowProc([&](TWindowMessage&) {
-    host.SetWindowProc([&](TWindowMessage&) {
-      calls.push_back(2);
-      return true;
-    });
-    calls.push_back(1);  // the replaced procedure still runs to its end
-    return true;
-  });
-  host.PostMessage(WM_USER, 0, 0);
-  host.PostMessage(WM_USER, 0, 0);
-  host.ProcessMessages();
-  EXPECT_EQ(calls, (std::vector<int>{1, 2}));
 }
 
 }  // namespace

@@ -1,8 +1,6 @@
+#include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
-#include <filesystem>
-#include <fstream>
-#include <iterator>
 #include <string>
 #include <tuple>
 #include <vector>
@@ -10,19 +8,15 @@
 #include "kernel/platform/exceptions.h"
 #include "kernel/platform/pointer_list.h"
 #include "kernel/platform/string_list.h"
+#include "tests/support/temp_folder.h"
 
 namespace veska {
 namespace {
 
-// The text of the exception `action` raises, or a note that it raised none.
-template <typename ExceptionType, typename Action>
-String ErrorText(Action action) {
-  try {
-    action();
-  } catch (const ExceptionType& error) {
-    return error.Message();
-  }
-  return u"<no exception>";
+using ::testing::ThrowsMessage;
+
+auto OutOfBounds(int index) {
+  return ThrowsMessage<EListError>("List index out of bounds (" + std::to_string(index) + ")");
 }
 
 std::vector<String> Lines(const TStringList& list) {
@@ -41,25 +35,27 @@ TEST(Lists, BadIndexesRaiseThePlatformText) {
   TList list;
   int a = 0;
   list.Add(&a);
-  EXPECT_EQ(ErrorText<EListError>([&] { list.Get(-1); }), u"List index out of bounds (-1)");
-  EXPECT_EQ(ErrorText<EListError>([&] { list.Get(1); }), u"List index out of bounds (1)");
-  EXPECT_EQ(ErrorText<EListError>([&] { list.Put(1, &a); }), u"List index out of bounds (1)");
-  EXPECT_EQ(ErrorText<EListError>([&] { list.Delete(-1); }), u"List index out of bounds (-1)");
-  EXPECT_EQ(ErrorText<EListError>([&] { list.Exchange(0, 5); }), u"List index out of bounds (5)");
-  EXPECT_EQ(ErrorText<EListError>([&] { list.Insert(2, &a); }), u"List index out of bounds (2)");
-  EXPECT_EQ(ErrorText<EListError>([&] { list.SetCapacity(0); }), u"List capacity out of bounds (0)");
+  EXPECT_THAT([&] { list.Get(-1); }, OutOfBounds(-1));
+  EXPECT_THAT([&] { list.Get(1); }, OutOfBounds(1));
+  EXPECT_THAT([&] { list.Put(1, &a); }, OutOfBounds(1));
+  EXPECT_THAT([&] { list.Delete(-1); }, OutOfBounds(-1));
+  EXPECT_THAT([&] { list.Exchange(0, 5); }, OutOfBounds(5));
+  EXPECT_THAT([&] { list.Insert(2, &a); }, OutOfBounds(2));
+  EXPECT_THAT([&] { list.SetCapacity(0); }, ThrowsMessage<EListError>("List capacity out of bounds (0)"));
   TList empty;
-  EXPECT_EQ(ErrorText<EListError>([&] { empty.First(); }), u"List index out of bounds (0)");
-  EXPECT_EQ(ErrorText<EListError>([&] { empty.Last(); }), u"List index out of bounds (-1)");
+  EXPECT_THAT([&] { empty.First(); }, OutOfBounds(0));
+  EXPECT_THAT([&] { empty.Last(); }, OutOfBounds(-1));
 
   TStringList strings = ListOf({u"a", u"b"});
-  EXPECT_EQ(ErrorText<EListError>([&] { strings.Get(2); }), u"List index out of bounds (2)");
-  EXPECT_EQ(ErrorText<EListError>([&] { strings.Objects(2); }), u"List index out of bounds (2)");
-  EXPECT_EQ(ErrorText<EListError>([&] { strings.Delete(2); }), u"List index out of bounds (2)");
-  EXPECT_EQ(ErrorText<EListError>([&] { strings.Insert(3, u"x"); }), u"List index out of bounds (3)");
-  EXPECT_EQ(ErrorText<EListError>([&] { strings.Names(-1); }), u"List index out of bounds (-1)");
+  EXPECT_THAT([&] { strings.Get(2); }, OutOfBounds(2));
+  EXPECT_THAT([&] { strings.Objects(2); }, OutOfBounds(2));
+  EXPECT_THAT([&] { strings.Delete(2); }, OutOfBounds(2));
+  EXPECT_THAT([&] { strings.Insert(3, u"x"); }, OutOfBounds(3));
+  EXPECT_THAT([&] { strings.Names(-1); }, OutOfBounds(-1));
   EXPECT_EQ(strings.ValueFromIndex(-1), u"");  // a negative index is "not found", not an error
 }
+
+std::vector<void*> Items(const TList& list) { return {list.begin(), list.end()}; }
 
 TEST(PointerList, KeepsOrderThroughInsertDeleteExchangeAndRemove) {
   int a = 0, b = 0, c = 0, d = 0;
@@ -68,7 +64,7 @@ TEST(PointerList, KeepsOrderThroughInsertDeleteExchangeAndRemove) {
   EXPECT_EQ(list.Add(&c), 1);
   list.Insert(1, &b);
   list.Insert(3, &d);  // at Count: appends
-  EXPECT_EQ((std::vector<void*>(list.begin(), list.end())), (std::vector<void*>{&a, &b, &c, &d}));
+  EXPECT_EQ(Items(list), (std::vector<void*>{&a, &b, &c, &d}));
   list.Exchange(0, 3);
   EXPECT_EQ(std::pair(list.First(), list.Last()), (std::pair<void*, void*>(&d, &a)));
   list.Delete(1);  // b
@@ -76,10 +72,10 @@ TEST(PointerList, KeepsOrderThroughInsertDeleteExchangeAndRemove) {
   list.Add(&d);  // d twice: Remove takes the first
   EXPECT_EQ(list.Remove(&d), 0);
   EXPECT_EQ(list.Remove(&b), -1);
-  EXPECT_EQ((std::vector<void*>(list.begin(), list.end())), (std::vector<void*>{&c, &a, &d}));
+  EXPECT_EQ(Items(list), (std::vector<void*>{&c, &a, &d}));
   list.SetCapacity(3);  // down to the count keeps every item
   list.Put(1, nullptr);
-  EXPECT_EQ((std::vector<void*>(list.begin(), list.end())), (std::vector<void*>{&c, nullptr, &d}));
+  EXPECT_EQ(Items(list), (std::vector<void*>{&c, nullptr, &d}));
 }
 
 TEST(StringList, ObjectsTravelWithTheirLines) {
@@ -90,8 +86,7 @@ TEST(StringList, ObjectsTravelWithTheirLines) {
   list.InsertObject(0, u"two", &two);
   list.Exchange(0, 2);
   EXPECT_EQ(Lines(list), (std::vector<String>{u"none", u"one", u"two"}));
-  EXPECT_EQ(list.Objects(0), nullptr);
-  EXPECT_EQ(list.Objects(2), &two);
+  EXPECT_EQ(std::tuple(list.Objects(0), list.Objects(1), list.Objects(2)), std::tuple(nullptr, &one, &two));
   list.Delete(0);
   EXPECT_EQ(list.Objects(0), &one);
 }
@@ -135,11 +130,11 @@ TEST(StringList, SortedListsKeepOrderAndApplyDuplicates) {
   EXPECT_EQ(list.Add(u"FIG"), 2);  // before the equal line already there
 
   list.SetDuplicates(TDuplicates::Error);
-  EXPECT_EQ(ErrorText<EListError>([&] { list.Add(u"pear"); }), u"String list does not allow duplicates");
-  EXPECT_EQ(ErrorText<EListError>([&] { list.Insert(0, u"x"); }), u"Operation not allowed on sorted list");
-  EXPECT_EQ(ErrorText<EListError>([&] { list.Put(0, u"x"); }), u"Operation not allowed on sorted list");
+  EXPECT_THAT([&] { list.Add(u"pear"); }, ThrowsMessage<EListError>("String list does not allow duplicates"));
+  EXPECT_THAT([&] { list.Insert(0, u"x"); }, ThrowsMessage<EListError>("Operation not allowed on sorted list"));
+  EXPECT_THAT([&] { list.Put(0, u"x"); }, ThrowsMessage<EListError>("Operation not allowed on sorted list"));
   // Kept from the platform: a new name=value line goes in through Put, which a sorted list refuses.
-  EXPECT_EQ(ErrorText<EListError>([&] { list.SetValue(u"k", u"v"); }), u"Operation not allowed on sorted list");
+  EXPECT_THAT([&] { list.SetValue(u"k", u"v"); }, ThrowsMessage<EListError>("Operation not allowed on sorted list"));
 }
 
 TEST(StringList, TextEndsEveryLineAndSplitsOnAnyLineBreak) {
@@ -185,62 +180,42 @@ TEST(StringList, DelimitedTextUsesTheListsDelimiterAndQuote) {
   EXPECT_EQ(Lines(list), (std::vector<String>{u" a b ", u" c"}));
 }
 
-class StringListFile : public testing::Test {
- protected:
-  void SetUp() override { std::filesystem::create_directories(directory_); }
-  void TearDown() override { std::filesystem::remove_all(directory_); }
-
-  String PathOf(const std::string& name) const { return FromUtf8((directory_ / name).string()); }
-  std::string Bytes(const std::string& name) const {
-    std::ifstream file(directory_ / name, std::ios::binary);
-    return std::string(std::istreambuf_iterator<char>(file), {});
-  }
-  void Write(const std::string& name, const std::string& bytes) const {
-    std::ofstream(directory_ / name, std::ios::binary) << bytes;
-  }
-  std::vector<String> Loaded(const std::string& name) const {
-    TStringList list;
-    list.Add(u"replaced");
-    list.LoadFromFile(PathOf(name));
-    return Lines(list);
-  }
-
-  const std::filesystem::path directory_ =
-      std::filesystem::temp_directory_path() /
-      ("veska_lists_" + std::to_string(::testing::UnitTest::GetInstance()->random_seed()) + "_" +
-       ::testing::UnitTest::GetInstance()->current_test_info()->name());
-};
-
-TEST_F(StringListFile, SavesWindows1250OrUtf8AndRecognisesByteOrderMarksWhenLoading) {
-  const TStringList czech = ListOf({u"Příliš žluťoučký kůň", u"úpěl=ďábelské ódy"});
-  czech.SaveToFile(PathOf("cz.txt"));
-  EXPECT_EQ(Bytes("cz.txt"),
-            "P\xF8\xED\x6Ci\x9A \x9Elu\x9Dou\xE8k\xFD k\xF9\xF2\r\n\xFAp\xECl=\xEF\xE1\x62\x65lsk\xE9 \xF3\x64y\r\n");
-  EXPECT_EQ(Loaded("cz.txt"), Lines(czech));
-
-  const TStringList utf8 = ListOf({u"Čeština", u"€ 5"});
-  utf8.SaveToFile(PathOf("utf8.txt"), TTextEncoding::Utf8);
-  EXPECT_EQ(Bytes("utf8.txt"), "\xEF\xBB\xBF\xC4\x8C\x65\xC5\xA1tina\r\n\xE2\x82\xAC 5\r\n");
-  EXPECT_EQ(Loaded("utf8.txt"), Lines(utf8));
-
-  Write("nobom.txt", "\xC4\x8D");  // without the mark the same bytes are Windows-1250
-  EXPECT_EQ(Loaded("nobom.txt"), (std::vector<String>{u"ÄŤ"}));
-  Write("le.txt", std::string("\xFF\xFE\x0D\x01\x0D\x00\x0A\x00z\x00\x01", 11));  // odd last byte dropped
-  EXPECT_EQ(Loaded("le.txt"), (std::vector<String>{u"č", u"z"}));
-  Write("be.txt", std::string("\xFE\xFF\x01\x0D", 4));
-  EXPECT_EQ(Loaded("be.txt"), (std::vector<String>{u"č"}));
+std::vector<String> Loaded(const String& file_name) {
+  TStringList list = ListOf({u"replaced"});
+  list.LoadFromFile(file_name);
+  return Lines(list);
 }
 
-TEST_F(StringListFile, FilesThatCannotBeOpenedRaiseEFOpenErrorNamingThem) {
+TEST(StringListFile, SavesWindows1250OrUtf8AndRecognisesByteOrderMarksWhenLoading) {
+  const test::TempFolder folder;
+  const TStringList czech = ListOf({u"Příliš žluťoučký kůň", u"úpěl=ďábelské ódy"});
+  czech.SaveToFile(folder.Path("cz.txt"));
+  EXPECT_EQ(folder.Read("cz.txt"),
+            "P\xF8\xED\x6Ci\x9A \x9Elu\x9Dou\xE8k\xFD k\xF9\xF2\r\n\xFAp\xECl=\xEF\xE1\x62\x65lsk\xE9 \xF3\x64y\r\n");
+  EXPECT_EQ(Loaded(folder.Path("cz.txt")), Lines(czech));
+
+  const TStringList utf8 = ListOf({u"Čeština", u"€ 5"});
+  utf8.SaveToFile(folder.Path("utf8.txt"), TTextEncoding::Utf8);
+  EXPECT_EQ(folder.Read("utf8.txt"), "\xEF\xBB\xBF\xC4\x8C\x65\xC5\xA1tina\r\n\xE2\x82\xAC 5\r\n");
+  EXPECT_EQ(Loaded(folder.Path("utf8.txt")), Lines(utf8));
+
+  // Without the mark the same bytes are Windows-1250; an odd last byte of UTF-16 is dropped.
+  EXPECT_EQ(Loaded(folder.Write("nobom.txt", "\xC4\x8D")), (std::vector<String>{u"ÄŤ"}));
+  EXPECT_EQ(Loaded(folder.Write("le.txt", std::string_view("\xFF\xFE\x0D\x01\x0D\x00\x0A\x00z\x00\x01", 11))),
+            (std::vector<String>{u"č", u"z"}));
+  EXPECT_EQ(Loaded(folder.Write("be.txt", std::string_view("\xFE\xFF\x01\x0D", 4))), (std::vector<String>{u"č"}));
+}
+
+TEST(StringListFile, FilesThatCannotBeOpenedRaiseEFOpenErrorNamingThem) {
+  const test::TempFolder folder;
   TStringList list;
-  const String missing = PathOf("missing.txt");
-  EXPECT_EQ(ErrorText<EFOpenError>([&] { list.LoadFromFile(missing); }),
-            u"Cannot open file \"" + missing + u"\". No such file or directory");
-  const String directory = FromUtf8(directory_.string());
-  EXPECT_EQ(ErrorText<EFOpenError>([&] { list.LoadFromFile(directory); }),
-            u"Cannot open file \"" + directory + u"\". Is a directory");
-  EXPECT_EQ(ErrorText<EFOpenError>([&] { list.SaveToFile(directory); }),
-            u"Cannot create file \"" + directory + u"\". Is a directory");
+  const std::string missing = ToUtf8(folder.Path("missing.txt")), directory = ToUtf8(folder.Path());
+  EXPECT_THAT([&] { list.LoadFromFile(FromUtf8(missing)); },
+              ThrowsMessage<EFOpenError>("Cannot open file \"" + missing + "\". No such file or directory"));
+  EXPECT_THAT([&] { list.LoadFromFile(FromUtf8(directory)); },
+              ThrowsMessage<EFOpenError>("Cannot open file \"" + directory + "\". Is a directory"));
+  EXPECT_THAT([&] { list.SaveToFile(FromUtf8(directory)); },
+              ThrowsMessage<EFOpenError>("Cannot create file \"" + directory + "\". Is a directory"));
 }
 
 }  // namespace

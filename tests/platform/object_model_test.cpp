@@ -1,3 +1,4 @@
+#include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
 #include <tuple>
@@ -73,7 +74,7 @@ class TSilentSample : public TDerivedSample {
   VESKA_CLASS(TSilentSample, TDerivedSample, u"OtherUnit")
 };
 
-TEST(ObjectModel, KindsAreDeducedFromTheCppTypes) {
+TEST(ObjectModel, DeclarationsGiveKindsDeducedFromTheCppTypesStoredAccessAndDefaults) {
   const ClassInfo& info = TSample::StaticClassInfo();
   const std::vector<std::pair<StringView, TTypeKind>> expected = {
       {u"Count", TTypeKind::tkInteger},     {u"Visible", TTypeKind::tkEnumeration}, {u"Caption", TTypeKind::tkUString},
@@ -93,6 +94,15 @@ TEST(ObjectModel, KindsAreDeducedFromTheCppTypes) {
   EXPECT_EQ(GetEnumValue(info.FindProperty(u"SHADE")->PropType(), u"SHDARK"), 1);
   EXPECT_EQ(info.FindProperty(u"Shades")->PropType().CompType, &TypeInfoOf<TShade>());
   EXPECT_EQ(info.FindProperty(u"Next")->PropType().ClassType(), &TSample::StaticClassInfo());
+
+  EXPECT_EQ(info.FindProperty(u"Count")->Default(), 7);
+  EXPECT_FALSE(info.FindProperty(u"Caption")->Default().has_value());
+  EXPECT_TRUE(info.FindProperty(u"Ratio")->Stored().IsConstantFalse());
+  TSample sample;
+  EXPECT_TRUE(info.FindProperty(u"Count")->IsStored(sample));
+  EXPECT_FALSE(info.FindProperty(u"Caption")->IsStored(sample));  // evaluated on the object
+  sample.Caption = u"x";
+  EXPECT_TRUE(info.FindProperty(u"Caption")->IsStored(sample));
 }
 
 TEST(ObjectModel, DescendantsShareTheirAncestorsRecordsAndCreateTheirOwnClass) {
@@ -112,55 +122,35 @@ TEST(ObjectModel, DescendantsShareTheirAncestorsRecordsAndCreateTheirOwnClass) {
   EXPECT_FALSE(TPersistent::StaticClassInfo().CanCreate());
 }
 
-TEST(ObjectModel, TypedAccessReadsAndWritesThroughFieldsAndMethods) {
+TEST(ObjectModel, TypedAccessGoesThroughFieldsAndMethodsAndIsRefusedAgainstKindDirectionOrClass) {
   TSample sample;
-  const ClassInfo& info = sample.ClassType();
-  info.FindProperty(u"Count")->SetOrd(sample, 42);
-  info.FindProperty(u"Caption")->SetStr(sample, u"Ahoj");
-  info.FindProperty(u"Shades")->SetOrd(sample, 5);
-  info.FindProperty(u"Legacy")->SetStr(sample, u"žluť");
-  info.FindProperty(u"Command")->SetOrd(sample, 3);
-  info.FindProperty(u"Command")->SetOrd(sample, 4);
-  info.FindProperty(u"OnChange")->SetMethod(sample, {12, 34});
-  info.FindProperty(u"Next")->SetObj(sample, &sample);
-  info.FindProperty(u"Byte")->SetOrd(sample, 0x1C1);  // only the low byte is kept
+  const auto prop = [&](StringView name) { return sample.ClassType().FindProperty(name); };
+  prop(u"Count")->SetOrd(sample, 42);
+  prop(u"Caption")->SetStr(sample, u"Ahoj");
+  prop(u"Shades")->SetOrd(sample, 5);
+  prop(u"Legacy")->SetStr(sample, u"žluť");
+  prop(u"Command")->SetOrd(sample, 3);
+  prop(u"Command")->SetOrd(sample, 4);
+  prop(u"OnChange")->SetMethod(sample, {12, 34});
+  prop(u"Next")->SetObj(sample, &sample);
+  prop(u"Byte")->SetOrd(sample, 0x1C1);  // only the low byte is kept
   EXPECT_EQ(std::tuple(sample.Count, sample.Caption, sample.commands), std::tuple(42, u"Ahoj", 7));
   EXPECT_TRUE(sample.Shades.Contains(TShade::shLight) && sample.Shades.Contains(TShade::shBlack));
   EXPECT_EQ(sample.Legacy.Bytes, "\x9Elu\x9D");
-  EXPECT_EQ(info.FindProperty(u"OnChange")->GetMethod(sample), (TMethod{12, 34}));
-  EXPECT_EQ(info.FindProperty(u"Next")->GetObj(sample), &sample);
-  EXPECT_EQ(info.FindProperty(u"Byte")->GetOrd(sample), 0xC1);
-  EXPECT_EQ(info.FindProperty(u"Legacy")->GetStr(sample), u"žluť");
-}
+  EXPECT_EQ(prop(u"OnChange")->GetMethod(sample), (TMethod{12, 34}));
+  EXPECT_EQ(prop(u"Next")->GetObj(sample), &sample);
+  EXPECT_EQ(prop(u"Byte")->GetOrd(sample), 0xC1);
+  EXPECT_EQ(prop(u"Legacy")->GetStr(sample), u"žluť");
 
-TEST(ObjectModel, AccessAgainstKindDirectionOrClassIsRefused) {
-  TSample sample;
-  const ClassInfo& info = sample.ClassType();
-  EXPECT_THROW(info.FindProperty(u"Count")->GetStr(sample), EPropertyError);
-  EXPECT_THROW(info.FindProperty(u"Command")->GetOrd(sample), EPropertyError);
-  EXPECT_THROW(info.FindProperty(u"Stored")->SetOrd(sample, 1), EPropertyError);
-  EXPECT_FALSE(info.FindProperty(u"Command")->CanRead());
+  EXPECT_THROW(prop(u"Count")->GetStr(sample), EPropertyError);
+  EXPECT_THROW(prop(u"Command")->GetOrd(sample), EPropertyError);
+  EXPECT_THROW(prop(u"Stored")->SetOrd(sample, 1), EPropertyError);
+  EXPECT_FALSE(prop(u"Command")->CanRead());
   TPersistent other;
-  info.FindProperty(u"Next")->SetObj(sample, &other);  // not a TSample: refused
+  prop(u"Next")->SetObj(sample, &other);  // not a TSample: none is stored
   EXPECT_EQ(sample.Next, nullptr);
-  try {
-    other.Assign(&sample);
-    ADD_FAILURE() << "no EConvertError";
-  } catch (const EConvertError& error) {
-    EXPECT_EQ(error.Message(), u"Cannot assign a TSample to a TPersistent");
-  }
-}
-
-TEST(ObjectModel, StoredAccessIsConstantOrEvaluatedOnTheObject) {
-  TSample sample;
-  const ClassInfo& info = sample.ClassType();
-  EXPECT_TRUE(info.FindProperty(u"Count")->IsStored(sample));
-  EXPECT_TRUE(info.FindProperty(u"Ratio")->Stored().IsConstantFalse());
-  EXPECT_FALSE(info.FindProperty(u"Caption")->IsStored(sample));
-  sample.Caption = u"x";
-  EXPECT_TRUE(info.FindProperty(u"Caption")->IsStored(sample));
-  EXPECT_EQ(info.FindProperty(u"Count")->Default(), 7);
-  EXPECT_FALSE(info.FindProperty(u"Caption")->Default().has_value());
+  EXPECT_THAT([&] { other.Assign(&sample); },
+              testing::ThrowsMessage<EConvertError>("Cannot assign a TSample to a TPersistent"));
 }
 
 TEST(ObjectHandles, NumbersResolveOnlyToLiveObjectsAndAreNeverReused) {

@@ -1,18 +1,20 @@
 #include "kernel/platform/streams.h"
 
+#include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
-#include <filesystem>
-#include <functional>
 #include <random>
 #include <string>
 #include <tuple>
-#include <vector>
 
 #include "kernel/platform/exceptions.h"
+#include "tests/support/temp_folder.h"
 
 namespace veska {
 namespace {
+
+using ::testing::StartsWith;
+using ::testing::ThrowsMessage;
 
 std::span<const std::byte> BytesOf(std::string_view text) { return std::as_bytes(std::span(text)); }
 
@@ -21,16 +23,6 @@ std::string ReadAll(TStream& stream) {
   std::string text(static_cast<std::size_t>(stream.Size()), '\0');
   stream.ReadBuffer(std::as_writable_bytes(std::span(text)));
   return text;
-}
-
-template <typename ExceptionType>
-String ErrorText(const std::function<void()>& action) {
-  try {
-    action();
-  } catch (const ExceptionType& error) {
-    return error.Message();
-  }
-  return u"<no exception>";
 }
 
 TEST(MemoryStream, GrowsOnWriteAndReadsBackReportingTheShortfall) {
@@ -46,8 +38,8 @@ TEST(MemoryStream, GrowsOnWriteAndReadsBackReportingTheShortfall) {
   std::array<std::byte, 4> buffer{};
   EXPECT_EQ(stream.Read(buffer), 0u);  // at the end
   stream.SetPosition(stream.Size() - 2);
-  EXPECT_EQ(ErrorText<EReadError>([&] { stream.ReadBuffer(buffer); }),
-            u"Stream read error: 4 bytes wanted at position 23888, 2 left");
+  EXPECT_THAT([&] { stream.ReadBuffer(buffer); },
+              ThrowsMessage<EReadError>("Stream read error: 4 bytes wanted at position 23888, 2 left"));
 }
 
 TEST(MemoryStream, SeeksFromEveryOriginAndFillsGapsWithZeros) {
@@ -81,7 +73,6 @@ TEST(MemoryStream, CopyFromCopiesAPartOrTheWholeSource) {
   TMemoryStream whole;
   EXPECT_EQ(whole.CopyFrom(source, 0), static_cast<int64_t>(content.size()));
   EXPECT_EQ(ReadAll(whole), content);
-
   TMemoryStream part;
   source.SetPosition(100);
   EXPECT_EQ(part.CopyFrom(source, 5), 5);
@@ -89,36 +80,14 @@ TEST(MemoryStream, CopyFromCopiesAPartOrTheWholeSource) {
   EXPECT_THROW(part.CopyFrom(source, -1), EStreamError);
 }
 
-class FileStreamTest : public ::testing::Test {
- protected:
-  void SetUp() override { std::filesystem::create_directories(directory_); }
-  void TearDown() override { std::filesystem::remove_all(directory_); }
-  String PathTo(std::string_view name) const { return (directory_ / name).u16string(); }
-
-  const std::filesystem::path directory_ =
-      std::filesystem::temp_directory_path() / ("veska_streams_" + std::to_string(std::random_device{}()) + "_" +
-                                                ::testing::UnitTest::GetInstance()->current_test_info()->name());
-};
-
-TEST_F(FileStreamTest, CreatesWritesAndReadsBack) {
-  const String name = PathTo("model.bin");
+TEST(FileStream, ModesKeepOrReplaceTheContentAndReadsAndWritesAlternate) {
+  const test::TempFolder folder;
+  const String name = folder.Path("data.bin");
   {
     TFileStream file(name, TFileMode::fmCreate);
-    file.WriteBuffer(BytesOf("hello, file"));
+    file.WriteBuffer(BytesOf("abcdefgh"));
     EXPECT_EQ(file.FileName(), name);
   }
-  TFileStream file(name, TFileMode::fmOpenRead);
-  EXPECT_EQ(file.Size(), 11);
-  file.SetPosition(7);
-  std::array<std::byte, 4> tail{};
-  file.ReadBuffer(tail);
-  EXPECT_EQ(std::string(reinterpret_cast<const char*>(tail.data()), 4), "file");
-  EXPECT_THROW(file.WriteBuffer(BytesOf("x")), EWriteError);  // read-only
-}
-
-TEST_F(FileStreamTest, ReadWriteModeKeepsContentAndAlternatesReadsAndWrites) {
-  const String name = PathTo("data.bin");
-  { TFileStream(name, TFileMode::fmCreate).WriteBuffer(BytesOf("abcdefgh")); }
   {
     TFileStream file(name, TFileMode::fmOpenReadWrite);
     std::array<std::byte, 2> two{};
@@ -140,31 +109,31 @@ TEST_F(FileStreamTest, ReadWriteModeKeepsContentAndAlternatesReadsAndWrites) {
   }
   TFileStream file(name, TFileMode::fmOpenRead);
   EXPECT_EQ(ReadAll(file), std::string("AbXYefgh\0", 9));
+  EXPECT_THROW(file.WriteBuffer(BytesOf("x")), EWriteError);  // read-only
 }
 
-TEST_F(FileStreamTest, OpenFailureNamesTheFile) {
-  const String missing = PathTo("missing.vsk");
-  EXPECT_EQ(ErrorText<EFOpenError>([&] { TFileStream file(missing, TFileMode::fmOpenRead); }),
-            u"Cannot open file \"" + missing + u"\". No such file or directory");
-  const String in_missing_folder = PathTo("no/such/folder/new.vsk");
-  EXPECT_EQ(ErrorText<EFOpenError>([&] {
-              TFileStream file(in_missing_folder, TFileMode::fmCreate);
-            }).rfind(u"Cannot create file \"" + in_missing_folder + u"\".", 0),
-            0u);
+TEST(FileStream, OpenFailureNamesTheFile) {
+  const test::TempFolder folder;
+  const String missing = folder.Path("missing.vsk"), in_missing_folder = folder.Path("no/such/folder/new.vsk");
+  EXPECT_THAT([&] { TFileStream(missing, TFileMode::fmOpenRead); },
+              ThrowsMessage<EFOpenError>("Cannot open file \"" + ToUtf8(missing) + "\". No such file or directory"));
+  EXPECT_THAT([&] { TFileStream(in_missing_folder, TFileMode::fmCreate); },
+              ThrowsMessage<EFOpenError>(StartsWith("Cannot create file \"" + ToUtf8(in_missing_folder) + "\".")));
 }
 
-TEST_F(FileStreamTest, MemoryStreamLoadsAndSavesWholeFiles) {
-  const String name = PathTo("Příliš žluťoučký.bin");  // a non-ASCII file name
-  TMemoryStream original;
-  original.WriteBuffer(BytesOf(std::string("VSK0\0\1\2", 7)));
-  original.SaveToFile(name);
+TEST(FileStream, MemoryStreamLoadsAndSavesWholeFiles) {
+  const test::TempFolder folder;
+  const String name = folder.Path("Příliš žluťoučký.bin");  // a non-ASCII file name
+  TMemoryStream saved;
+  saved.WriteBuffer(BytesOf(std::string("VSK0\0\1\2", 7)));
+  saved.SaveToFile(name);
 
   TMemoryStream loaded;
   loaded.WriteBuffer(BytesOf("old content that is replaced"));
   loaded.LoadFromFile(name);
   EXPECT_EQ(loaded.Position(), 0);
   EXPECT_EQ(ReadAll(loaded), std::string("VSK0\0\1\2", 7));
-  EXPECT_THROW(loaded.LoadFromFile(PathTo("absent")), EFOpenError);
+  EXPECT_THROW(loaded.LoadFromFile(folder.Path("absent")), EFOpenError);
 }
 
 }  // namespace

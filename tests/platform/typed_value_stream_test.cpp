@@ -21,10 +21,8 @@ using ReaderAction = std::function<void(TReader&)>;
 std::span<const std::byte> Raw(const Bytes& bytes) { return std::as_bytes(std::span(bytes)); }
 
 Bytes ContentOf(const TMemoryStream& stream) {
-  const auto memory = stream.Memory();
-  Bytes bytes(memory.size());
-  for (std::size_t i = 0; i < memory.size(); ++i) bytes[i] = std::to_integer<uint8_t>(memory[i]);
-  return bytes;
+  const auto* memory = reinterpret_cast<const uint8_t*>(stream.Memory().data());
+  return Bytes(memory, memory + stream.Memory().size());
 }
 
 Bytes Written(const std::function<void(TWriter&)>& write, std::size_t buffer_size = 64) {
@@ -98,15 +96,11 @@ void WriteMixed(TWriter& w) {
   for (int64_t value : {int64_t{0}, int64_t{-1}, int64_t{300}, int64_t{-70000}, int64_t{1} << 40})
     w.WriteInteger(value);
   w.WriteInt64(std::numeric_limits<int64_t>::min());
-  w.WriteFloat(-2.5);
-  w.WriteFloat(0.1);
-  w.WriteString(kCzech);
-  w.WriteString(kLongCzech);
-  w.WriteString(kBeyond1250);
+  for (double value : {-2.5, 0.1}) w.WriteFloat(value);
+  for (const String& text : {kCzech, kLongCzech, kBeyond1250}) w.WriteString(text);
   w.WriteWideString(kCzech);
   w.WriteUTF8String(kBeyond1250);
-  w.WriteChar(u'č');
-  w.WriteChar(u'\0');
+  for (char16_t letter : {u'č', u'\0'}) w.WriteChar(letter);
   w.WriteBoolean(true);
   w.WriteIdent(u"Name");
   w.WriteListBegin();
@@ -120,18 +114,15 @@ void WriteMixed(TWriter& w) {
 void ReadMixed(TReader& reader) {
   EXPECT_EQ(reader.ReadSignature(), "TPF0");
   reader.ReadListBegin();
-  EXPECT_EQ(reader.ReadInteger(), 0);
-  EXPECT_EQ(reader.ReadInteger(), -1);
+  for (int32_t expected : {0, -1}) EXPECT_EQ(reader.ReadInteger(), expected);
   EXPECT_EQ(reader.ReadInt64(), 300);
   EXPECT_EQ(reader.ReadFloat(), -70000.0);
   EXPECT_EQ(reader.ReadInt64(), int64_t{1} << 40);
   EXPECT_EQ(reader.ReadInt64(), std::numeric_limits<int64_t>::min());
-  EXPECT_EQ(reader.ReadFloat(), -2.5);
-  EXPECT_EQ(reader.ReadFloat(), 0.1);
+  for (double expected : {-2.5, 0.1}) EXPECT_EQ(reader.ReadFloat(), expected);
   for (const String& text : {kCzech, kLongCzech, kBeyond1250, kCzech, kBeyond1250})
     EXPECT_EQ(reader.ReadString(), text);
-  EXPECT_EQ(reader.ReadChar(), u'č');
-  EXPECT_EQ(reader.ReadChar(), u'\0');
+  for (char16_t expected : {u'č', u'\0'}) EXPECT_EQ(reader.ReadChar(), expected);
   EXPECT_TRUE(reader.ReadBoolean());
   EXPECT_EQ(reader.ReadIdent(), u"Name");
   reader.SkipValue();
@@ -177,17 +168,9 @@ TEST(TypedValueReader, AcceptsEveryNumericAndStringTag) {
   };
   TMemoryStream stream(Raw(bytes));
   TReader reader(stream);
-  EXPECT_EQ(reader.ReadInteger(), -2);
-  EXPECT_EQ(reader.ReadInteger(), -32768);
-  EXPECT_EQ(reader.ReadInteger(), 5);
-  EXPECT_EQ(reader.ReadFloat(), 1.5);
-  EXPECT_EQ(reader.ReadFloat(), -1.0);
-  EXPECT_EQ(reader.ReadFloat(), 43520.0);
-  EXPECT_DOUBLE_EQ(reader.ReadFloat(), 1.2345);
-  EXPECT_EQ(reader.ReadFloat(), 1000.0);
-  EXPECT_EQ(reader.ReadString(), u"id");
-  EXPECT_EQ(reader.ReadString(), u"čš");
-  EXPECT_EQ(reader.ReadString(), u"až");
+  for (int32_t expected : {-2, -32768, 5}) EXPECT_EQ(reader.ReadInteger(), expected);
+  for (double expected : {1.5, -1.0, 43520.0, 1.2345, 1000.0}) EXPECT_DOUBLE_EQ(reader.ReadFloat(), expected);
+  for (StringView expected : {u"id", u"čš", u"až"}) EXPECT_EQ(reader.ReadString(), expected);
   EXPECT_EQ(reader.ReadChar(), u'\0');
 }
 
@@ -226,17 +209,10 @@ TEST(ExtendedFloat, DecodesToTheNearestEvenDoubleOrItsDenormalsAndInfinity) {
 
 TEST(ExtendedFloat, EveryDoubleRoundTripsExactly) {
   EXPECT_EQ(DoubleToExtended(1.0), Extended({0, 0, 0, 0, 0, 0, 0, 0x80, 0xFF, 0x3F}));
-  using Limits = std::numeric_limits<double>;
-  std::vector<double> values = {0.0,
-                                -0.0,
-                                Limits::max(),
-                                Limits::lowest(),
-                                Limits::min(),
-                                Limits::denorm_min(),
-                                Limits::infinity(),
-                                -Limits::infinity(),
-                                -Limits::quiet_NaN()};
-  values.push_back(std::nextafter(Limits::min(), 0.0));
+  using L = std::numeric_limits<double>;
+  std::vector<double> values = {0.0,           -0.0,           L::max(),       L::lowest(), L::min(), L::denorm_min(),
+                                L::infinity(), -L::infinity(), -L::quiet_NaN()};
+  values.push_back(std::nextafter(L::min(), 0.0));
   std::mt19937_64 random(2024);
   for (int i = 0; i < 20000; ++i) {
     const double value = std::bit_cast<double>(random());
