@@ -36,9 +36,11 @@ TElement* TModelLink::Target() { return ElementsCount() > 0 ? Get(0) : nullptr; 
 
 TElement* TModelLink::HoldingPropertyModel() { return FindClassInOwners(TPropertyModel::StaticClassInfo()); }
 
+// A target above the link (its own property model, say) is not taken: the link would hold its
+// holder, and neither could ever be freed.
 void TModelLink::LinkTo(TElement* element) {
   FreeAll();
-  if (element != nullptr) AddElement(element);
+  if (element != nullptr && !IsSelfOrAbove(this, element)) AddElement(element);
 }
 
 // A property end gives the value of the property that its model names, read from the source's
@@ -62,7 +64,9 @@ void TModelLink::Link() {
   if (destination_kind == LinkEnd::Property) {
     destination_instance->SetPropertyStringByName(destination->GetName(), value);
   } else if (auto* entity = ObjectAs<TEntity>(destination_instance)) {
-    if (entity->IndexOf(source_instance) < 0) entity->AddElement(source_instance);
+    if (entity->IndexOf(source_instance) < 0 && !IsSelfOrAbove(entity, source_instance)) {
+      entity->AddElement(source_instance);
+    }
   }
 }
 
@@ -84,7 +88,7 @@ bool TPropertyModel::GetNoLinks() { return PartIsEmpty(*this, kLinksPart); }
 
 template <class Link>
 void TPropertyModel::AddLink(TElement* element) {
-  if (element == nullptr) return;
+  if (element == nullptr || IsSelfOrAbove(this, element)) return;
   TOwnerEntity* links = GetLinks();
   if (links == nullptr) return;
   auto* link = new Link;

@@ -15,28 +15,6 @@ bool ClassInherits(const ClassInfo* cls, const ClassInfo* ancestor) {
   return cls != nullptr && ancestor != nullptr && cls->InheritsFrom(*ancestor);
 }
 
-// Whether the candidate is the element itself or one of the elements above it (through its
-// owners, and from a children list to the node that holds it).  Placing such a candidate below
-// the element would make a subtree hold itself.
-bool IsSelfOrAbove(TElement* element, const TElement* candidate) {
-  std::vector<TElement*> pending{element};
-  std::unordered_set<const TElement*> seen;
-  while (!pending.empty()) {
-    TElement* current = pending.back();
-    pending.pop_back();
-    if (current == candidate) return true;
-    if (!seen.insert(current).second) continue;
-    if (auto* envelope = ObjectAs<TEnvelopeEntity>(current)) {
-      if (envelope->Owner() != nullptr) pending.push_back(envelope->Owner());
-      continue;
-    }
-    for (int i = 0; i < current->GetOwnersCount(); ++i) {
-      if (TEntity* owner = current->GetOwnerEntity(i)) pending.push_back(owner);
-    }
-  }
-  return false;
-}
-
 }  // namespace
 
 // --- TInheritanceModel ------------------------------------------------------------------------

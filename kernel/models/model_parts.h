@@ -7,6 +7,11 @@
 
 namespace veska {
 
+// Whether the candidate is the element itself or one of the elements above it (through its
+// owners, and from an envelope to the entity it wraps).  Placing such a candidate below the
+// element would make the element hold itself, which nothing could ever free.
+bool IsSelfOrAbove(TElement* element, const TElement* candidate);
+
 // A part that its holder remembers once found or made.  It is taken while it is still one of
 // the holder's members: a part freed or taken away since reads as none, and a member is alive,
 // so its class can be asked.

@@ -58,6 +58,8 @@ TEST_F(ModelledElements, LinksCarryPropertyValuesAndInstancesBetweenInstances) {
   source_value->SetNewDestinationLink(destination_value);
   LinkFirstOf(*source_value);
   EXPECT_EQ(destination.instance->Value, u"42");
+  source_value->SetNewSourceLink(source_value);  // a link never takes what holds it
+  EXPECT_EQ(source_value->GetLinks()->ElementsCount(), 1);
 
   // A property model of another class is no end at all.
   source.instance->Value = u"43";
