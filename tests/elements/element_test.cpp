@@ -2,204 +2,428 @@
 
 #include <gtest/gtest.h>
 
-#include <set>
+#include <memory>
+#include <tuple>
+#include <vector>
 
 #include "kernel/classes/registry.h"
-#include "kernel/elements/entity.h"
-#include "kernel/elements/named.h"
 #include "kernel/platform/date_time.h"
+#include "kernel/platform/exceptions.h"
 #include "kernel/platform/message_sink.h"
-#include "kernel/platform/publisher.h"
+#include "kernel/platform/object_handles.h"
 #include "kernel/platform/streams.h"
 #include "kernel/platform/typed_value_stream.h"
+#include "tests/support/elements_members.h"
 
 namespace veska {
 namespace {
 
-// An owned element that keeps a life-cycle period of its own.
-class TPeriodElement : public TOwnerElement {
-  VESKA_CLASS(TPeriodElement, TOwnerElement, u"ElementTests")
+using test::Members;
+using test::Named;
+using Elements = std::vector<TElement*>;
+
+// Keeps a life-cycle period of its own.
+class TPeriodElement : public TElement {
+  VESKA_CLASS(TPeriodElement, TElement, u"ElementTests")
  public:
+  TDateTime start = 0, end = 0;
   bool Life_Cycle_Is_Implemented() const override { return true; }
-  TDateTime GetLife_Cycle_Start() const override { return start_; }
-  TDateTime GetLife_Cycle_End() const override { return end_; }
-  void SetLife_Cycle_Start(TDateTime value) override { start_ = value; }
-  void SetLife_Cycle_End(TDateTime value) override { end_ = value; }
-
- private:
-  TDateTime start_ = 0;
-  TDateTime end_ = 0;
+  TDateTime GetLife_Cycle_Start() const override { return start; }
+  TDateTime GetLife_Cycle_End() const override { return end; }
+  void SetLife_Cycle_Start(TDateTime value) override { start = value; }
+  void SetLife_Cycle_End(TDateTime value) override { end = value; }
 };
 
-// Turns the life-cycle watch on for one test and off again, whatever the test does.
-class WatchOn {
+// An entity that lets other holders free the members it shares.
+class TGenerousEntity : public TNameEntity {
+  VESKA_CLASS(TGenerousEntity, TNameEntity, u"ElementTests")
  public:
-  explicit WatchOn(TDateTime time) {
-    Life_Cycle_Watch = true;
-    Life_Cycle_WatchTime = time;
-  }
-  ~WatchOn() {
-    Life_Cycle_Watch = false;
-    Life_Cycle_WatchTime = 0;
-  }
-  WatchOn(const WatchOn&) = delete;
-  WatchOn& operator=(const WatchOn&) = delete;
+  bool CanFreeElement(TElement* /*element*/) override { return true; }
 };
 
-TEST(ElementTest, NewElementHasNoIdItsClassNameNoOwnersAndIsAlive) {
-  TElement element;
-  element.SetName(u"Jméno");  // a plain element has no name of its own
-  element.SetPropertyStringByName(u"Name", u"Jméno");
-  // Read through the published properties the loaders use.
-  EXPECT_EQ(element.GetPropertyIntByName(u"ID"), -1);
-  EXPECT_EQ(element.GetPropertyStringByName(u"Name"), u"TElement");
-  EXPECT_EQ(element.GetPropertyIntByName(u"OwnersCount"), 0);
-  EXPECT_TRUE(element.GetPropertyBooleanByName(u"Life_Cycle_Alive"));
-  EXPECT_EQ(element.GetPropertyStringByName(u"_ClassName"), u"TElement");
-  EXPECT_FALSE(element.StoreName());
-}
+// An element that fails when asked whether it may be freed.
+class TRefusingElement : public TOwnerElement {
+  VESKA_CLASS(TRefusingElement, TOwnerElement, u"ElementTests")
+ public:
+  bool IsPossibleToFree() override { throw Exception(u"odmítnuto"); }
+};
 
-TEST(ElementTest, ResetBaseIdAlwaysGivesANewMarkThatIsNeverPositive) {
-  for (int i = 0; i < 1000; ++i) {
-    const int32_t previous = BaseID;
-    ResetBaseID();
-    EXPECT_NE(BaseID, previous);
-    EXPECT_LE(BaseID, 0);
-    EXPECT_GE(BaseID, -31999);
-  }
-}
-
-TEST(ElementTest, WholeSizeAndCountVisitAnElementReachableTwiceOnceAndStampEveryId) {
-  TEntity root;
-  auto* shared = new TElement;
-  auto* left = new TEntity;
-  auto* right = new TEntity;
-  left->AddElement(shared);
-  right->AddElement(shared);
-  root.AddElement(left);
-  root.AddElement(right);
-  const int32_t whole_size = 3 * root.GetInstanceSize() + shared->GetInstanceSize();
-
-  EXPECT_EQ(root.GetWholeSize(), whole_size);
-  EXPECT_EQ(right->ID, BaseID);
-  left->AddElement(&root);  // a cycle ends the walks too
-  EXPECT_EQ(root.GetWholeSize(), whole_size);
-  EXPECT_EQ(root.GetWholeCount(), 5) << "member slots of the three distinct entities";
-  root.ResetID();
-  EXPECT_EQ(left->ID, BaseID);
-  EXPECT_EQ(shared->ID, BaseID);
-  left->Clear();  // the root is not the left entity's to free, nor the shared element twice
-  right->RemoveElement(shared);
-  delete shared;
-}
-
-TEST(ElementTest, LifeCycleWatchJudgesThePeriodWithInclusiveBounds) {
-  const TDateTime watch_time = EncodeDate(2020, 6, 15);
-  struct Case {
-    TDateTime start;
-    TDateTime end;
-    bool alive;
-    const char* why;
-  };
-  const Case cases[] = {{0, 0, true, "no period set"},
-                        {watch_time + 1, 0, false, "starts after the watch time, open end"},
-                        {watch_time, 0, true, "starts at the watch time"},
-                        {0, watch_time, true, "ends at the watch time"},
-                        {0, watch_time - 1, false, "ended before the watch time"}};
-  TPeriodElement element;
-  WatchOn watch(watch_time);
-  for (const Case& c : cases) {
-    SCOPED_TRACE(c.why);
-    element.SetLife_Cycle_Start(c.start);
-    element.SetLife_Cycle_End(c.end);
-    EXPECT_EQ(element.Life_Cycle_Is_Alive(), c.alive);
-  }
-  TElement without_period;
-  EXPECT_TRUE(without_period.Life_Cycle_Is_Alive()) << "an element without a period is always alive";
-  Life_Cycle_WatchTime = 0;
-  EXPECT_TRUE(element.Life_Cycle_Is_Alive()) << "no watch time set";
-  Life_Cycle_Watch = false;
-  Life_Cycle_WatchTime = watch_time;
-  EXPECT_TRUE(element.Life_Cycle_Is_Alive()) << "the watch is off";
-}
-
-TEST(ElementTest, LifeCycleYearAndMonthAccessors) {
-  TPeriodElement element;
-  EXPECT_EQ(element.GetLife_Cycle_Start_Year(), 0);
-  EXPECT_ANY_THROW(element.SetLife_Cycle_Start_Month(5)) << "year 0 is no date";
-  element.SetLife_Cycle_Start_Year(2001);
-  element.SetLife_Cycle_Start_Month(3);
-  EXPECT_EQ(element.GetLife_Cycle_Start(), EncodeDate(2001, 3, 1));
-  element.SetLife_Cycle_End_Year(2002);
-  element.SetLife_Cycle_End_Month(2);
-  EXPECT_EQ(element.GetLife_Cycle_End(), EndOfAMonth(2002, 2));
-  EXPECT_EQ(element.GetLife_Cycle_End_Month(), 2);
-
-  TElement plain;
-  plain.SetLife_Cycle_Start_Year(2001);
-  EXPECT_EQ(plain.GetLife_Cycle_Start_Year(), 0);
-}
-
-TEST(ElementTest, CreateElementByNameFindsClassesWithOrWithoutThePrefix) {
+// "Element" is found through the "T" prefix rule; a plain element has no name of its own.
+TEST(ElementTest, ANewElementMadeByClassNameHasNoIdItsClassNameNoOwnersAndIsAlive) {
   CapturedMessages captured;
-  std::unique_ptr<TElement> created(CreateElementByName(u"Element"));
-  EXPECT_EQ(created->ClassType().Name(), u"TElement");
-  EXPECT_TRUE(captured.Texts().empty());
+  std::unique_ptr<TElement> element(CreateElementByName(u"Element"));
+  element->SetPropertyStringByName(u"Name", u"Jméno");
+  element->SetPropertyIntByName(u"Life_Cycle_Start_Year", 2001);  // it keeps no period either
+  EXPECT_EQ(element->GetPropertyStringByName(u"Name"), u"TElement");
+  EXPECT_EQ(element->GetPropertyStringByName(u"_ClassName"), u"TElement");
+  EXPECT_EQ(std::tuple(element->GetPropertyIntByName(u"ID"), element->GetPropertyIntByName(u"OwnersCount"),
+                       element->GetPropertyBooleanByName(u"Life_Cycle_Alive"), element->StoreName(),
+                       element->GetPropertyIntByName(u"Life_Cycle_Start_Year")),
+            std::tuple(-1, 0, true, false, 0));
   EXPECT_EQ(CreateElementByName(u"xyz"), nullptr);
   ASSERT_EQ(captured.Entries().size(), 1u);
   EXPECT_EQ(captured.Entries()[0].Text, u"Neregistrovaný element: xyz");
   EXPECT_EQ(captured.Entries()[0].Kind, MessageKind::Error);
 }
 
-TEST(ElementTest, SearchThroughOwnersClimbsTheOwnerChain) {
-  TOwnerEntity top;
-  auto* middle = new TOwnerEntity;
-  auto* leaf = new TOwnerElement;
-  top.AddElement(middle);
-  middle->AddElement(leaf);
-
-  EXPECT_EQ(leaf->FindClassInOwners(TOwnerElement::StaticClassInfo()), leaf);
-  EXPECT_EQ(leaf->FindClassInOwners(TOwnerEntity::StaticClassInfo()), middle);
-  // The first element of the class is the answer, whether or not the entity owns it.
-  EXPECT_EQ(leaf->FindFirstClassWithOwnerInOwners(TOwnerEntity::StaticClassInfo(), &top), middle);
-  EXPECT_EQ(leaf->FindFirstClassWithOwnerInOwners(TOwnerEntity::StaticClassInfo(), middle), nullptr);
-  EXPECT_EQ(leaf->FindClassWithOwnerInOwners(TOwnerEntity::StaticClassInfo(), middle), nullptr)
-      << "top has no owner either";
+// Each walk takes a new visit mark, in -31999..0, and stamps every element it visits with it.
+TEST(ElementTest, WalksTakeANewMarkAndVisitAnElementReachableTwiceOnceStampingEveryId) {
+  for (int i = 0; i < 1000; ++i) {
+    const int32_t previous = BaseID;
+    ResetBaseID();
+    EXPECT_TRUE(BaseID != previous && BaseID <= 0 && BaseID >= -31999) << previous << " then " << BaseID;
+  }
+  TEntity root;
+  auto *left = Named<TEntity>(u"", {&root}), *right = Named<TEntity>(u"", {&root});
+  auto* shared = Named<TElement>(u"", {left, right});
+  const int32_t whole_size = 3 * root.GetInstanceSize() + shared->GetInstanceSize();
+  EXPECT_EQ(root.GetWholeSize(), whole_size);
+  EXPECT_EQ(right->ID, BaseID);
+  left->AddElement(&root);  // a cycle ends the walks too
+  EXPECT_EQ(root.GetWholeSize(), whole_size);
+  EXPECT_EQ(root.GetWholeCount(), 5) << "member slots of the three distinct entities";
+  root.ResetID();
+  EXPECT_TRUE(left->ID == BaseID && shared->ID == BaseID);
+  left->Clear();  // the root is not the left entity's to free, nor the shared element twice
+  root.FastFreeAll();
 }
 
-TEST(ElementTest, SaveAndLoadOfAReferenceGoThroughTheLoadersTable) {
-  TQuickEntity table;
-  table.AddElement(new TElement);
-  auto* second = new TElement;
-  table.AddElement(second);
-  second->ID = 1;
-  TMemoryStream stream;
-  {
-    TWriter writer(stream);
-    TElement::SaveElement(second, writer);
-    TElement::SaveElement(nullptr, writer);
+// An end of 0 is open; the start month is set in the year that the start already has.
+TEST(ElementTest, LifeCyclePeriodHoldsTheWatchTimeWithBothEndsAndIsSetByYearAndMonth) {
+  const TDateTime t = EncodeDate(2020, 6, 15);
+  const std::tuple<bool, TDateTime, TDateTime, TDateTime, bool> cases[] = {
+      {true, t, 0, 0, true},     {true, t, t + 1, 0, false}, {true, t, t, 0, true},
+      {true, t, 0, t, true},     {true, t, 0, t - 1, false}, {true, 0, t + 1, 0, true},  // no watch time set
+      {false, t, t + 1, 0, true}};                                                       // the watch is off
+  TPeriodElement element;
+  for (std::size_t row = 0; row < std::size(cases); ++row) {
+    const auto& [watch, watch_time, start, end, alive] = cases[row];
+    std::tie(Life_Cycle_Watch, Life_Cycle_WatchTime, element.start, element.end) =
+        std::tie(watch, watch_time, start, end);
+    EXPECT_EQ(element.Life_Cycle_Is_Alive(), alive) << "row " << row;
+    EXPECT_TRUE(TElement().Life_Cycle_Is_Alive()) << "an element without a period is always alive";
   }
+  std::tie(Life_Cycle_Watch, Life_Cycle_WatchTime, element.start) = std::tuple(false, 0.0, 0.0);
+  EXPECT_EQ(element.GetLife_Cycle_Start_Year(), 0);
+  EXPECT_ANY_THROW(element.SetLife_Cycle_Start_Month(5)) << "year 0 is no date";
+  element.SetLife_Cycle_Start_Year(2001);
+  element.SetLife_Cycle_Start_Month(3);
+  element.SetLife_Cycle_End_Year(2002);
+  element.SetLife_Cycle_End_Month(2);
+  EXPECT_EQ(std::tuple(element.start, element.end), std::tuple(EncodeDate(2001, 3, 1), EndOfAMonth(2002, 2)));
+  EXPECT_EQ(element.GetLife_Cycle_End_Month(), 2);
+}
+
+// Deliberately the name written is GetName's, so an unnamed entity comes back named after its class.
+TEST(ElementTest, SaveAndLoadWriteTheNameGetNameGivesAndResolveIdsThroughTheLoadersTable) {
+  TOwnerEntity holder, copy;
+  TQuickEntity table;  // lists the member at position 1 without owning it
+  table.Put(0, nullptr);
+  holder.Put(0, nullptr);  // an empty slot is written as -1 and read back as none
+  auto* member = Named(u"member", {&table, &holder});
+  member->ID = 1;
+  holder.ID = 7;
+  EXPECT_FALSE(holder.StoreName());
+  TMemoryStream stream;
+  TWriter writer(stream);
+  holder.Save(writer);
+  TElement::SaveElement(member, writer);
+  TElement::SaveElement(nullptr, writer);
+  writer.FlushBuffer();
   stream.Seek(0, TSeekOrigin::soBeginning);
   TReader reader(stream);
-  EXPECT_EQ(TElement::LoadElement(reader, &table), second);
+  EXPECT_EQ(reader.ReadString(), u"TOwnerEntity");
+  copy.Load(reader, &table);
+  EXPECT_EQ(copy.ID, 7);
+  EXPECT_TRUE(copy.StoreName() && copy.GetName() == u"TOwnerEntity");
+  EXPECT_EQ(Members(copy), Elements{member});
+  EXPECT_EQ(member->GetOwnersCount(), 2);
+  EXPECT_EQ(TElement::LoadElement(reader, &table), member);
   EXPECT_EQ(TElement::LoadElement(reader, &table), nullptr);
-  table.FastFreeAll();
+  table.Clear();
 }
 
-TEST(SuperListTest, FreeAllFreesOnlyWhatMayBeFreedAndKeepsTheSlots) {
-  TEntity first;
-  TEntity second;
-  auto* shared = new TOwnerElement;
-  first.AddElement(shared);
-  second.AddElement(shared);
-  TSuperList list;
-  list.Add(shared);
-  list.Add(new TOwnerElement);
-  list.Add(nullptr);
-  list.FreeAll();  // frees `alone`; `shared` refuses, as its two holders do not agree
-  EXPECT_EQ(list.Count(), 3);
-  EXPECT_EQ(first.IndexOf(shared), 0);
+// The two differ on purpose: an element's test for an empty name asks GetName, never empty.
+TEST(ElementTest, InstanceSizeCountsAnEmptyNameForElementsButNotForEntities) {
+  const auto element_base = static_cast<int32_t>(TNameElement::StaticClassInfo().InstanceSize());
+  const auto entity_base = static_cast<int32_t>(TNameEntity::StaticClassInfo().InstanceSize());
+  TNameEntity entity;
+  EXPECT_EQ(std::tuple(TNameElement().GetInstanceSize(), entity.GetInstanceSize()),
+            std::tuple(element_base + 1, entity_base));
+  entity.SetName(u"abc");
+  EXPECT_EQ(entity.GetInstanceSize(), entity_base + 4);
+}
+
+TEST(EntityTest, NewEntityIsEmptyAndTakesAnInsertOnlyAtIndexZero) {
+  TEntity entity;
+  TOwnerElement element;  // goes first, and leaves the entity as it goes
+  entity.InsertElement(3, &element);
+  EXPECT_TRUE(entity.NoElements() && element.GetOwnersCount() == 0);
+  TElement* first = Named(u"first");
+  entity.InsertElement(0, first);
+  entity.InsertElement(0, &element);
+  EXPECT_EQ(Members(entity), (Elements{&element, first}));
+  TEntity empty;
+  EXPECT_EQ(empty.Get(0), nullptr);
+  EXPECT_EQ(std::pair(empty.ElementsCount(), empty.GetLastIndex()), std::pair(0, -1));
+  EXPECT_THROW(empty.Get(0), EListError) << "an index past the end of a list that exists";
+}
+
+TEST(EntityTest, ASharedMemberIsOnlyReleasedUnlessEveryHolderAgreesOrItIsHardFreed) {
+  TEntity second, hard;
+  auto* first = new TEntity;
+  TElement* shared = Named(u"shared", {first, &second});
+  TSuperList list;  // frees what may be freed and keeps the slots
+  for (TElement* item : Elements{shared, new TOwnerElement, nullptr}) list.Add(item);
+  list.FreeAll();
+  EXPECT_EQ(std::pair(list.Count(), first->IndexOf(shared)), std::pair(3, 0));
   list.Clear();
+  first->FreeAll();
+  first->AddElement(shared);
+  first->FreeElement(shared);
+  first->AddElement(shared);
+  delete first;
+  EXPECT_EQ(Members(second), Elements{shared});
+  EXPECT_EQ(shared->GetOwnersCount(), 1);
+  hard.AddElement(shared);
+  hard.HardFreeAll();  // the shared member leaves the second holder as it goes
+  EXPECT_TRUE(second.NoElements());
+  Named(u"alone", {&second});
+  second.FreeElementIndex(5);  // out of range: ignored
+  second.FreeElementIndex(0);  // the last holder frees it
+  EXPECT_TRUE(second.NoElements());
+  TGenerousEntity consenting, also_consenting;
+  const int32_t handle = ObjectHandles::HandleOf(Named(u"shared", {&consenting, &also_consenting}));
+  consenting.FreeAll();
+  EXPECT_EQ(ObjectHandles::ObjectOf(handle), nullptr);
+  EXPECT_TRUE(also_consenting.NoElements());
+}
+
+// A second free would show in the sanitizer build.
+TEST(EntityTest, AMemberListedTwiceIsFreedOnce) {
+  TEntity hard;
+  TGenerousEntity consenting;                                  // agrees to free what it holds twice
+  TElement *owned = new TOwnerElement, *plain = new TElement;  // a plain element keeps no owner list
+  for (TElement* member : Elements{owned, owned, Named(u"once")}) hard.AddElement(member);
+  hard.HardFreeAll();
+  owned = new TOwnerElement;
+  for (TElement* member : {owned, owned, plain, plain}) consenting.AddElement(member);
+  consenting.FreeAll();
+  EXPECT_TRUE(hard.NoElements() && consenting.NoElements());
+}
+
+TEST(EntityTest, MembersAreFoundByNameIgnoringCaseAndAddingTwiceGivesTwoEntries) {
+  TEntity entity;
+  TElement* twice = Named(u"ŽLUŤOUČKÝ KŮŇ", {&entity});
+  TElement* other = Named(u"other", {&entity});
+  entity.AddElement(twice);
+  EXPECT_EQ(entity.FindElementName(u"žluťoučký kůň"), twice);
+  EXPECT_EQ(entity.FindElementByProperty(u"Name", u"OTHER"), other);
+  EXPECT_EQ(entity.GetClassCount(TNameElement::StaticClassInfo()), 3);
+  entity.RemoveElement(twice);
+  EXPECT_EQ(Members(entity), (Elements{other, twice})) << "the first entry goes";
+  EXPECT_EQ(twice->GetOwnersCount(), 1);
+}
+
+// Deliberately kept: an entity without members raises the range error of its 16-bit counter.
+TEST(EntityTest, OnTimerReachesEveryMemberButAnEmptyEntityRaisesTheRangeError) {
+  TEntity entity, empty;
+  entity.AddElement(new TElement);
+  entity.AddElement(new TEntity);
+  EXPECT_ANY_THROW(entity.OnTimer()) << "the last member, an entity whose list was never created, fails";
+  ASSERT_EQ(empty.ElementsCount(), 0);  // creates the list, empty
+  EXPECT_THROW(empty.OnTimer(), ERangeError);
+}
+
+TEST(EntityTest, MembersComeFromOtherEntitiesAndFromClassNames) {
+  TEntity source, target;
+  TElement *a = Named(u"a", {&source}), *b = Named(u"b", {&source});
+  target.PAddAllFrom(&source);
+  target.RAddAllFrom(&source);
+  EXPECT_EQ(Members(target), (Elements{a, b, b, a}));
+  target.SetRemoveAllFrom(&source);
+  target.SetFreeAllFrom(&source);  // shared with the source: only released
+  EXPECT_TRUE(target.NoElements());
+  EXPECT_EQ(a->GetOwnersCount(), 1);
+  EXPECT_EQ(target.CreateElement(u"TNoSuchClass", u"x"), nullptr);
+  TElement* created = target.CreateElement(u"TNameElement", u"x");
+  ASSERT_NE(created, nullptr);
+  EXPECT_EQ(target.FindOrCreateElementName(TOwnerElement::StaticClassInfo(), u"X"), created);
+  EXPECT_EQ(target.FindOrCreateElementName(TOwnerElement::StaticClassInfo(), u"y")->GetName(), u"y");
+}
+
+// A plain element is left out, as the envelope would free it again; envelopes stop at a fixed depth.
+TEST(EntityTest, CreateEnvelopeSharesOwnedMembersWrapsEntitiesWithoutOwnersAndEndsOnACycle) {
+  std::unique_ptr<TOwnerEntity> entity(Named<TOwnerEntity>(u"svět"));
+  TElement* owned = Named(u"owned", {entity.get()});
+  Named<TElement>(u"", {entity.get()});
+  TElement* inner = Named(u"inner", {Named<TEntity>(u"", {entity.get()})});
+  std::unique_ptr<TElement> envelope(entity->CreateEnvelope());
+  auto* as_entity = dynamic_cast<TOwnerEntity*>(envelope.get());
+  ASSERT_NE(as_entity, nullptr);
+  EXPECT_EQ(as_entity->GetName(), u"Obálka: svět");
+  ASSERT_EQ(as_entity->ElementsCount(), 2);
+  EXPECT_EQ(as_entity->Get(0), owned);
+  auto* sub_envelope = dynamic_cast<TEntity*>(as_entity->Get(1));
+  ASSERT_NE(sub_envelope, nullptr);
+  EXPECT_EQ(Members(*sub_envelope), Elements{inner});
+  TEntity first, second;
+  first.AddElement(&second);
+  second.AddElement(&first);
+  envelope.reset(first.CreateEnvelope());
+  int depth = 0;
+  for (auto* level = dynamic_cast<TEntity*>(envelope.get()); level != nullptr && !level->NoElements(); ++depth) {
+    level = dynamic_cast<TEntity*>(level->Get(0));
+  }
+  EXPECT_TRUE(depth > 1 && depth <= 1000) << depth;
+  first.Clear();  // the two hold each other; neither may free the other on the way out
+  second.Clear();
+}
+
+TEST(EntityTest, AnAliasNamesAMemberWithoutOwningItAndFreesTheOneItReplaces) {
+  TEntity entity;
+  TElement *first = Named(u"first"), *second = Named(u"second");
+  entity.SetElement(u"hlavní", first);
+  EXPECT_EQ(entity.GetElement(u"HLAVNÍ"), first);
+  EXPECT_EQ(entity.GetElement(u"first"), first) << "a member found by its own name";
+  entity.SetElement(u"hlavní", second);
+  EXPECT_EQ(entity.GetElement(u"hlavní"), second);
+  EXPECT_EQ(entity.FindElementName(u"first"), nullptr);
+}
+
+// Deliberately index 0 of PutOwner means the end of the owner list.
+TEST(OwnersTest, PutOwnerAtIndexZeroAppendsAndOwnersAreFoundInOrderByExactName) {
+  std::unique_ptr<TNameEntity> plain(Named<TNameEntity>(u"Sklad"));
+  std::unique_ptr<TOwnerEntity> owned_owner(Named<TOwnerEntity>(u"Sklad"));
+  TEntity third;
+  for (TElement* element : Elements{Named(u"", {plain.get(), owned_owner.get()}),
+                                    Named<TOwnerEntity>(u"", {plain.get(), owned_owner.get()})}) {
+    element->PutOwner(0, &third);
+    EXPECT_EQ(element->GetOwnerEntity(2), &third);
+    element->PutOwner(1, &third);
+    element->RemoveOwner(&third);
+    EXPECT_EQ(element->GetOwnerEntity(2), &third) << "only the first entry goes";
+    EXPECT_EQ(element->GetOwnerEntity(3), nullptr);
+    element->RemoveOwner(&third);
+    EXPECT_EQ(element->FindOwnerName(u"Sklad"), plain.get());
+    EXPECT_EQ(element->FindOwnerName(u"sklad"), nullptr);
+    EXPECT_EQ(element->FindOwnerClass(TOwnerEntity::StaticClassInfo()), owned_owner.get());
+  }
+  EXPECT_THROW(TOwnerElement().PutOwner(5, &third), EListError) << "only index 0 appends";
+}
+
+// Ordinal comparison: upper case sorts before lower case; equal names keep arrival order.
+TEST(OwnersTest, CreateSubEntityKeepsNameOrderAndReturnsTheExistingMember) {
+  TOwnerEntity tree;
+  const auto create = [&tree](StringView name) {
+    return tree.CreateSubEntity(TOwnerEntity::StaticClassInfo(), String(name));
+  };
+  TElement *b = create(u"b"), *a = create(u"a");
+  EXPECT_EQ(create(u"B"), b);
+  TElement* no_name = create(u"");
+  EXPECT_EQ(no_name->GetName(), u"no name");
+  TElement *upper = create(u"Z"), *second_a = Named(u"a");
+  tree.InsertNameSortedEntity(second_a);
+  EXPECT_EQ(Members(tree), (Elements{upper, a, second_a, b, no_name}));
+}
+
+TEST(OwnersTest, DestroyingAnOwnedElementOrEntityLeavesEveryHolder) {
+  TOwnerEntity first, second;
+  TEntity outside;
+  TElement* kept = Named(u"kept", {&second});
+  delete Named(u"shared", {&first, &second});
+  EXPECT_EQ(Members(second), Elements{kept});
+  auto* shared = Named<TOwnerEntity>(u"shared", {&first, &second});
+  TElement* inner = Named(u"inner", {shared, &outside});
+  delete shared;
+  EXPECT_TRUE(first.NoElements());
+  EXPECT_EQ(Members(second), Elements{kept});
+  EXPECT_EQ(inner->GetOwnersCount(), 1) << "a member held elsewhere survives";
+}
+
+TEST(OwnersTest, FailuresWhileFreeingAndEmptyOwnerEntriesAreReportedAndDoNotPropagate) {
+  CapturedMessages captured;
+  std::unique_ptr<TNameEntity> entity(Named<TNameEntity>(u"pytel"));
+  auto* refusing = Named<TRefusingElement>(u"", {entity.get()});
+  entity->FreeAll();
+  EXPECT_EQ(Members(*entity), Elements{refusing}) << "the walk stops and the entity keeps its members";
+  entity->FreeElement(refusing);
+  EXPECT_TRUE(entity->NoElements()) << "the member left the list before the failure";
+  delete refusing;
+  auto* owned = Named<TOwnerEntity>(u"uzel");
+  owned->AddOwner(nullptr);
+  EXPECT_EQ(owned->GetOwnerEntity(0), nullptr);
+  delete owned;
+  EXPECT_EQ(captured.Texts(),
+            (std::vector<String>{u"pytel TEntity.FreeAll\r\nodmítnuto", u"TEntity.FreeElement\r\nodmítnuto",
+                                 u"TOwnerEntity(uzel).GetOwner: Objekt vlastníka je prázdný",
+                                 u"TOwnerEntity.Destroy: Špatný vlastník"}));
+}
+
+// Trees as deep as a file or a builder may make them, and cycles: every walk over owners and
+// members, every size and count, and every way of freeing must finish without exhausting the
+// stack or looping.
+constexpr int kDepth = 100'000;
+
+// A chain of owner entities, each added to the one before it: the root first, the leaf last.
+std::vector<TOwnerEntity*> Chain() {
+  std::vector<TOwnerEntity*> levels{new TOwnerEntity};
+  while (levels.size() < kDepth) levels.push_back(Named<TOwnerEntity>(u"", {levels.back()}));
+  return levels;
+}
+
+// The first-class question stops at the first element of the class, owned or not.
+TEST(DeepTrees, AChainOfAHundredThousandLevelsIsWalkedSizedCountedAndReset) {
+  const std::vector<TOwnerEntity*> chain = Chain();
+  TOwnerEntity *root = chain.front(), *leaf = chain.back();
+  EXPECT_EQ(leaf->FindClassInOwners(TStringEntity::StaticClassInfo()), nullptr);
+  EXPECT_EQ(leaf->FindClassWithOwnerInOwners(TOwnerEntity::StaticClassInfo(), root), chain[1]);
+  EXPECT_EQ(leaf->FindFirstClassWithOwnerInOwners(TOwnerEntity::StaticClassInfo(), root), nullptr);
+  EXPECT_EQ(root->GetWholeSize(), kDepth * leaf->GetInstanceSize());
+  EXPECT_EQ(root->GetWholeCount(), kDepth - 1);
+  root->ResetID();
+  EXPECT_EQ(leaf->ID, BaseID);
+  root->FreeAll();
+  EXPECT_TRUE(root->NoElements());
+  delete root;
+}
+
+TEST(DeepTrees, AChainOfAHundredThousandLevelsIsFreedByEveryWayOfFreeing) {
+  delete Chain().front();  // the destructor frees the members
+  TOwnerEntity* hard = Chain().front();
+  hard->HardFreeAll();
+  delete hard;
+  TOwnerEntity* fast = Chain().front();
+  fast->FastFreeAll();
+  EXPECT_TRUE(fast->NoElements());
+  delete fast;
+}
+
+TEST(DeepTrees, OwnerWalksEndOnACycleOfEntities) {
+  auto* a = new TOwnerEntity;
+  auto* b = Named<TOwnerEntity>(u"", {a});
+  b->AddElement(a);
+  const ClassInfo &owned = TOwnerEntity::StaticClassInfo(), &strings = TStringEntity::StaticClassInfo();
+  EXPECT_EQ(a->FindClassInOwners(strings), nullptr);
+  EXPECT_EQ(a->FindClassInOwners(owned), a);
+  EXPECT_EQ(a->FindClassWithOwnerInOwners(owned, a), b);
+  EXPECT_EQ(b->FindFirstClassWithOwnerInOwners(owned, a), b);
+  EXPECT_EQ(b->FindClassWithOwnerInOwners(strings, a), nullptr);
+  b->RemoveElement(a);
+  delete a;
+}
+
+// An envelope climbs to the entity it wraps; past it, the first-class question is put as the
+// plain one, so an element of the class that the entity does not own is passed, not final.
+TEST(DeepTrees, OwnerWalksClimbThroughEnvelopes) {
+  TOwnerEntity top;
+  auto* middle = Named<TStringEntity>(u"", {&top});
+  TEnvelopeEntity envelope;
+  envelope.SetOwner(Named<TStringEntity>(u"", {middle}));
+  const ClassInfo& strings = TStringEntity::StaticClassInfo();
+  EXPECT_EQ(envelope.FindClassInOwners(strings), envelope.Owner());
+  EXPECT_EQ(envelope.FindFirstClassWithOwnerInOwners(strings, &top), middle);
+  EXPECT_EQ(envelope.FindClassWithOwnerInOwners(TEnvelopeEntity::StaticClassInfo(), &top), nullptr);
 }
 
 }  // namespace

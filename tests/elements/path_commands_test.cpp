@@ -1,27 +1,26 @@
 #include <gtest/gtest.h>
 
-#include <array>
 #include <memory>
 
-#include "kernel/classes/registry.h"
-#include "kernel/elements/named.h"
+#include "kernel/elements/property_access.h"
 #include "kernel/platform/exceptions.h"
 #include "kernel/platform/string_list.h"
+#include "tests/support/elements_members.h"
 
 namespace veska {
 namespace {
+
+using test::Named;
 
 // An object with published properties that is not an element.
 class TPathNote : public TPersistent {
   VESKA_CLASS(TPathNote, TPersistent, u"PathTests")
  public:
-  String Title;
-  TPathNote* Next = nullptr;
+  String Name;
   TElement* Target = nullptr;
 
   static void Publish(Publisher<TPathNote>& p) {
-    p.Field(u"Title", &TPathNote::Title);
-    p.Field(u"Next", &TPathNote::Next);
+    p.Field(u"Name", &TPathNote::Name);
     p.Field(u"Target", &TPathNote::Target);
   }
 };
@@ -39,179 +38,120 @@ class TPathEntity : public TOwnerEntity {
   }
 };
 
-template <class T>
-T* AddNamed(TEntity& owner, const String& name) {
-  auto* element = new T;
-  element->SetName(name);
-  owner.AddElement(element);
-  return element;
-}
-
-// Root holds ABC (a named element) and Sub (an entity that holds Leaf). Root's Link is Sub; its
-// Note is the note "first", whose Next is "second", whose Target is Leaf.
+// Root holds ABC and Sub, which holds Leaf; Root links to Sub and notes "note", whose Target is Leaf.
 struct PathTree {
-  std::unique_ptr<TPathEntity> root = std::make_unique<TPathEntity>();
-  TNameElement* abc;
-  TPathEntity* sub;
-  TNameElement* leaf;
-  TPathNote first;
-  TPathNote second;
+  TPathEntity root;
+  TPathNote note;
+  TNameElement* abc = Named<TNameElement>(u"ABC", {&root});
 
   PathTree() {
-    root->SetName(u"Root");
-    abc = AddNamed<TNameElement>(*root, u"ABC");
-    sub = AddNamed<TPathEntity>(*root, u"Sub");
-    leaf = AddNamed<TNameElement>(*sub, u"Leaf");
-    first.Title = u"first";
-    second.Title = u"second";
-    first.Next = &second;
-    second.Target = leaf;
-    root->Link = sub;
-    root->Note = &first;
+    auto* sub = Named<TPathEntity>(u"Sub", {&root});
+    root.SetName(u"Root");
+    root.Link = sub;
+    root.Note = &note;
+    note.Name = u"note";
+    note.Target = Named<TNameElement>(u"Leaf", {sub});
   }
 };
 
 enum class Operation { Text, List, Element };
+using enum Operation;
 
-// The message of the Exception that the operation raises; a failure when it returns.
-String ErrorOf(TElement& start, Operation operation, const String& command) {
+struct Case {
+  Operation operation;
+  StringView command;
+  StringView expected;
+};
+
+// The result as text (a list as its comma text, an object as its Name or "-"), or the error.
+String Walk(TElement& start, Operation operation, const String& command) {
   try {
-    switch (operation) {
-      case Operation::Text:
-        start.ExecuteCommandLine(command);
-        break;
-      case Operation::List:
-        delete start.ExecuteCommandLineToList(command);
-        break;
-      case Operation::Element:
-        start.ExecuteCommandLineToElement(command);
-        break;
-    }
+    if (operation == List) return std::unique_ptr<TStringList>(start.ExecuteCommandLineToList(command))->CommaText();
+    if (operation == Text) return start.ExecuteCommandLine(command);
+    const TObject* reached = start.ExecuteCommandLineToElement(command);
+    return reached != nullptr ? GetPropStringByName(reached, u"Name") : String(u"-");
   } catch (const Exception& error) {
     return error.Message();
   }
-  ADD_FAILURE() << "no exception";
-  return String();
 }
 
-std::vector<String> Lines(TElement& start, const String& command) {
-  std::unique_ptr<TStringList> list(start.ExecuteCommandLineToList(command));
-  std::vector<String> lines;
-  for (int i = 0; i < list->Count(); ++i) lines.push_back(list->Get(i));
-  return lines;
-}
-
-TEST(PathCommands, TextCommandReadsTheLastPropertyOfTheObjectReached) {
-  static constexpr std::pair<StringView, StringView> kCases[] = {
-      {u"Name", u"Root"},
-      {u"NoSuchProperty", u""},  // read as by-name access reads it
-      {u"FINDELEMENTBYNAME(abc).Name", u"ABC"},
-      {u"findelementbyname(abc).Name", u"ABC"},
-      {u" FindElementByName ( abc ) . Name ", u"ABC"},
-      {u"FINDELEMENTBYNAME(Sub).FINDELEMENTBYNAME(leaf).Name", u"Leaf"},
-      {u"FINDELEMENTBYCLASS(TEntity).Name", u"Sub"},
-      {u"findElementByClass(TElement).Name", u"ABC"},     // a descendant of the class
-      {u"FINDELEMENTBYNAME(ABC) ignored .Name", u"ABC"},  // text between ")" and "." is ignored
+TEST(PathCommands, EachOperationReadsWhatTheWalkReaches) {
+  static constexpr Case kCases[] = {
+      {Text, u"Name", u"Root"},
+      {Text, u"NoSuchProperty", u""},  // read as by-name access reads it
+      {Text, u" FindElementByName ( abc ) . Name ", u"ABC"},
+      {Text, u"FINDELEMENTBYCLASS(TEntity).Name", u"Sub"},
+      {Text, u"findElementByClass(TElement).Name", u"ABC"},     // a descendant of the class
+      {Text, u"FINDELEMENTBYNAME(ABC) ignored .Name", u"ABC"},  // text between ")" and "." is ignored
       // Object-valued properties are followed into any object, element or not.
-      {u"Link.FINDELEMENTBYNAME(Leaf).Name", u"Leaf"},
-      {u"Note.Next.Target.Name", u"Leaf"},
+      {Text, u"Link.FINDELEMENTBYNAME(Leaf).Name", u"Leaf"},
+      {Text, u"Note.Target.Name", u"Leaf"},
       // A stray ")" is skipped; a token in front of it that another token follows is dropped.
-      {u"Link).Name", u"Sub"},
-      {u")Name", u"Root"},
-      {u"Link)Name", u"Root"},
-      {u"FINDELEMENTBYNAME)(ABC).Name", u"ABC"},
+      {Text, u"Link).Name", u"Sub"},
+      {Text, u")Name", u"Root"},
+      {Text, u"Link)Name", u"Root"},
+      {Text, u"FINDELEMENTBYNAME)(ABC).Name", u"ABC"},
+      {Element, u"FINDELEMENTBYNAME(ABC)", u"ABC"},
+      {Element, u"FINDELEMENTBYNAME(ABC)Name", u"ABC"},  // the text behind ")" is read and ignored
+      {Element, u"FINDELEMENTBYNAME(nobody)", u"-"},     // a final search may find nothing
+      {Element, u"Note", u"note"},
+      {Element, u"Note.Target", u"Leaf"},
+      {Element, u"Link)", u"Sub"},
+      {Element, u"Link.Link", u"-"},  // empty
+      {Element, u"Name", u"-"},       // not an object
+      // One line per member of the entity reached, in member order, or the last property.
+      {List, u" element . Name ", u"ABC,Sub"},
+      {List, u"FINDELEMENTBYNAME(Sub).ELEMENT.Name", u"Leaf"},
+      {List, u"Note.Name", u"note"},
   };
   PathTree tree;
-  for (const auto& [command, expected] : kCases) {
-    SCOPED_TRACE(ToUtf8(command));
-    EXPECT_EQ(tree.root->ExecuteCommandLine(String(command)), expected);
-  }
-}
-
-TEST(PathCommands, ElementCommandReturnsTheObjectReachedOrNone) {
-  PathTree tree;
-  const std::pair<StringView, const TObject*> cases[] = {
-      {u"FINDELEMENTBYNAME(ABC)", tree.abc},
-      {u"FINDELEMENTBYNAME(ABC)Name", tree.abc},  // the text behind ")" is read and ignored
-      {u"FINDELEMENTBYNAME(nobody)", nullptr},    // a final search may find nothing
-      {u"LOOKUP(ABC)", nullptr},
-      {u"Note", &tree.first},  // a final property: its object, of any class
-      {u"Note.Next.Target", tree.leaf},
-      {u"Link)", tree.sub},
-      {u"Note.Target", nullptr},  // empty
-      {u"Name", nullptr},         // not an object
-  };
-  for (const auto& [command, expected] : cases) {
-    SCOPED_TRACE(ToUtf8(command));
-    EXPECT_EQ(tree.root->ExecuteCommandLineToElement(String(command)), expected);
-  }
-}
-
-TEST(PathCommands, ListGivesOneLinePerMemberOrTheLastProperty) {
-  PathTree tree;
-  AddNamed<TNameElement>(*tree.root, u"Third");
-  const std::vector<String> members{u"ABC", u"Sub", u"Third"};
-  const std::pair<StringView, std::vector<String>> cases[] = {
-      {u"ELEMENT.Name", members}, {u" element . Name ", members}, {u"FINDELEMENTBYNAME(Sub).ELEMENT.Name", {u"Leaf"}},
-      {u"Name", {u"Root"}},       {u"Note.Title", {u"first"}},
-  };
-  for (const auto& [command, expected] : cases) {
-    SCOPED_TRACE(ToUtf8(command));
-    EXPECT_EQ(Lines(*tree.root, String(command)), expected);
+  for (const auto& [operation, command, expected] : kCases) {
+    EXPECT_EQ(Walk(tree.root, operation, String(command)), expected) << ToUtf8(command);
   }
   TPathEntity empty;
-  EXPECT_TRUE(Lines(empty, u"ELEMENT.Name").empty());
+  EXPECT_EQ(Walk(empty, List, u"ELEMENT.Name"), u"") << "no lines";
 }
 
-TEST(PathCommands, NoObjectReportsTheWholeCommand) {
-  PathTree tree;
-  for (const String command : {u"FINDELEMENTBYNAME(nobody).Name", u"FINDELEMENTBYCLASS(TNoSuchClass).Name",
-                               u"LOOKUP(ABC).Name", u"Note.Target.Name", u"Name.Name", u".Name"}) {
-    for (Operation operation : {Operation::Text, Operation::List, Operation::Element}) {
-      EXPECT_EQ(ErrorOf(*tree.root, operation, command), u"Chyba ... nenalezl jsem objekt " + command);
-    }
-  }
-}
-
-TEST(PathCommands, SyntaxAndEntityErrorsGiveTheirTextAndPosition) {
-  using enum Operation;
-  struct Case {
-    Operation operation;
-    bool from_abc;  // start at the plain element ABC instead of the root entity
-    StringView command;
-    StringView expected;
-  };
+// Where no object is reached, the message names the whole command.
+TEST(PathCommands, ErrorsGiveTheirTextAndPosition) {
   static constexpr StringView kDot22 = u"Chyba syntaxe. .. na pozici 22 očekávám \".\"";
   static constexpr StringView kNoEntityList = u"Poslední objekt není Entita - nelze vytvořit seznam !";
   static constexpr Case kCases[] = {
       // A search needs an entity; the position is that of the character before "(".
-      {Text, true, u"FINDELEMENTBYNAME(x).Name", u"Objekt na pozici 17 není Entita ... nelze prohledávat"},
-      {Element, true, u"FINDELEMENTBYNAME (x)", u"Objekt na pozici 18 není Entita ... nelze prohledávat"},
-      {Text, true, u"(x).Name", u"Objekt na pozici 0 není Entita ... nelze prohledávat"},  // before the word
+      {Text, u"FINDELEMENTBYNAME(ABC).FINDELEMENTBYNAME(x).Name",
+       u"Objekt na pozici 40 není Entita ... nelze prohledávat"},
+      {Element, u"FINDELEMENTBYNAME(ABC).FINDELEMENTBYNAME (x)",
+       u"Objekt na pozici 41 není Entita ... nelze prohledávat"},
       // The argument must end with ")"; position 20 is just past the end of the command.
-      {Text, false, u"FINDELEMENTBYNAME(x", u"Chyba syntaxe. .. na pozici 20 očekávám \")\""},
-      {Element, false, u"FINDELEMENTBYNAME(ABC.Name", u"Chyba syntaxe. .. na pozici 22 očekávám \")\""},
-      {Text, false, u"LOOKUP(x", u"Chyba syntaxe. .. na pozici 9 očekávám \")\""},  // before the missing object
+      {Text, u"FINDELEMENTBYNAME(x", u"Chyba syntaxe. .. na pozici 20 očekávám \")\""},
+      {Element, u"FINDELEMENTBYNAME(ABC.Name", u"Chyba syntaxe. .. na pozici 22 očekávám \")\""},
+      {Text, u"LOOKUP(x", u"Chyba syntaxe. .. na pozici 9 očekávám \")\""},  // before the missing object
       // After ")" a "." must follow, except where an element command ends.
-      {Text, false, u"FINDELEMENTBYNAME(x)Name", u"Chyba syntaxe. .. na pozici 20 očekávám \".\""},
-      {Text, false, u"FINDELEMENTBYNAME(ABC)", kDot22},
-      {Element, false, u"FINDELEMENTBYNAME(ABC))", kDot22},
+      {Text, u"FINDELEMENTBYNAME(x)Name", u"Chyba syntaxe. .. na pozici 20 očekávám \".\""},
+      {Text, u"FINDELEMENTBYNAME(ABC)", kDot22},
+      {Element, u"FINDELEMENTBYNAME(ABC))", kDot22},
       // Only the list operation knows the word ELEMENT: elsewhere it is a property name.
-      {Text, false, u"ELEMENT.Name", u"Chyba ... nenalezl jsem objekt ELEMENT.Name"},
+      {Text, u"ELEMENT.Name", u"Chyba ... nenalezl jsem objekt ELEMENT.Name"},
       // A list of members needs an entity (tested before the rest is read) and ends the command.
-      {List, true, u"ELEMENT.Name", kNoEntityList},
-      {List, false, u"Note.ELEMENT.Name", u"Poslední objekt není ani Element, natož Entita !"},
-      {List, true, u"ELEMENT.Name.x", kNoEntityList},
-      {List, false, u"ELEMENT.Name.x", u"Chybné zakončení příkazu: ."},
-      {List, false, u"ELEMENT.Name)", u"Chybné zakončení příkazu: )"},
-      {List, false, u"ELEMENT.FINDELEMENTBYNAME(ABC)", u"Chybné zakončení příkazu: ("},
+      {List, u"FINDELEMENTBYNAME(ABC).ELEMENT.Name", kNoEntityList},
+      {List, u"Note.ELEMENT.Name", u"Poslední objekt není ani Element, natož Entita !"},
+      {List, u"FINDELEMENTBYNAME(ABC).ELEMENT.Name.x", kNoEntityList},
+      {List, u"ELEMENT.Name.x", u"Chybné zakončení příkazu: ."},
+      {List, u"ELEMENT.Name)", u"Chybné zakončení příkazu: )"},
+      {List, u"ELEMENT.FINDELEMENTBYNAME(ABC)", u"Chybné zakončení příkazu: ("},
   };
   PathTree tree;
-  for (const Case& c : kCases) {
-    SCOPED_TRACE(ToUtf8(c.command));
-    TElement& start = c.from_abc ? static_cast<TElement&>(*tree.abc) : *tree.root;
-    EXPECT_EQ(ErrorOf(start, c.operation, String(c.command)), c.expected);
+  for (const auto& [operation, command, expected] : kCases) {
+    EXPECT_EQ(Walk(tree.root, operation, String(command)), expected) << ToUtf8(command);
   }
+  for (const String command : {u"FINDELEMENTBYNAME(nobody).Name", u"FINDELEMENTBYCLASS(TNoSuchClass).Name",
+                               u"LOOKUP(ABC).Name", u"Link.Link.Name", u"Name.Name", u".Name"}) {
+    for (Operation operation : {Text, List, Element}) {
+      EXPECT_EQ(Walk(tree.root, operation, command), u"Chyba ... nenalezl jsem objekt " + command);
+    }
+  }
+  EXPECT_EQ(Walk(*tree.abc, Text, u"(x).Name"), u"Objekt na pozici 0 není Entita ... nelze prohledávat")
+      << "the character before the first";
 }
 
 }  // namespace
