@@ -47,6 +47,7 @@ TEST(InheritanceModel, NodesSinkUnderTheirAncestorsAndTakeTheirDescendants) {
   loaded.AddElement(new TModelItems);
   loaded.SetClassName(u"TNoSuchClass");
   EXPECT_EQ(loaded.GetItems(), loaded.Get(0));
+  EXPECT_EQ(loaded.GetItems()->GetName(), u"ITEMS");
   EXPECT_EQ(Tree(loaded), u"TInheritanceModel");
 }
 
@@ -69,6 +70,7 @@ TEST(InheritanceModel, CommandsOnTheActualItemSetTheirFixedErrorCodes) {
   TInheritanceModelEntity root;
   root.SetPropertyStringByName(u"NewClassName", u"TNoSuchClass");
   EXPECT_EQ(root.Error, TInheritanceModelEntity::kErrorUnknownClass);
+  EXPECT_EQ(root.GetPropertyStringByName(u"IsError"), u"True");
   EXPECT_EQ(root.GetPropertyStringByName(u"ActualClassName"), u"NIL");
   EXPECT_EQ(root.Error, TInheritanceModelEntity::kErrorNoActualItem);
   root.Error = 7;
