@@ -41,7 +41,8 @@ TElement* TInheritanceModel::GetItem(int index) { return GetItems()->Get(index);
 // the new node; a child whose class the new node's class descends from takes the new node into
 // its own subtree, and the walk still goes on with the lower siblings, any of which may move
 // under the new node wherever it ended up.  A node placed nowhere below joins this node's
-// children.  The descent keeps its path on the heap, as a loaded tree may be deep.
+// children.  The descent keeps its path on the heap, as a loaded tree may be deep, and enters
+// each node once, as a loaded tree may hold a cycle.
 void TInheritanceModel::SetNextItem(TInheritanceModel* item) {
   if (item == nullptr || IsSelfOrAbove(this, item)) return;
   struct Level {
@@ -49,6 +50,7 @@ void TInheritanceModel::SetNextItem(TInheritanceModel* item) {
     int next_index;
   };
   std::vector<Level> path{{this, GetItems()->ElementsCount() - 1}};
+  std::unordered_set<const TInheritanceModel*> entered{this};
   while (!path.empty()) {
     Level& level = path.back();
     if (level.next_index < 0) {
@@ -63,7 +65,7 @@ void TInheritanceModel::SetNextItem(TInheritanceModel* item) {
       if (IsSelfOrAbove(item, child)) continue;
       items->RemoveElement(child);
       item->AddItem(child);
-    } else if (ClassInherits(item->class_, child->class_)) {
+    } else if (ClassInherits(item->class_, child->class_) && entered.insert(child).second) {
       path.push_back({child, child->GetItems()->ElementsCount() - 1});
     }
   }
