@@ -39,7 +39,8 @@ TEST(InheritanceModel, NodesSinkUnderTheirAncestorsAndTakeTheirDescendants) {
   flat.AddItem(NodeFor<TNameElement>());
   flat.AddItem(NodeFor<TEntity>());
   flat.SetNextItem(NodeFor<TNameEntity>());
-  EXPECT_EQ(Tree(flat), u"TInheritanceModel[TNameElement TEntity[TNameEntity[TOwnerEntity]]]");
+  flat.SetNextItem(new TInheritanceModel);  // no class: it neither sinks nor takes children
+  EXPECT_EQ(Tree(flat), u"TInheritanceModel[TNameElement TEntity[TNameEntity[TOwnerEntity]] TInheritanceModel]");
 
   // A list of children that a loader put there is found, not doubled; an unknown class name
   // leaves the node's name.
