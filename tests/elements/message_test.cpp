@@ -58,10 +58,8 @@ TEST(MessageTest, OnlyAWrittenKillDataFreesTheDataAlsoOfAMessageNobodyTakes) {
   TApplication deaf;  // no window procedure: it takes nothing
   SetApplication(&deaf);
   auto* data = new TElement;
-  const int32_t kept = ObjectHandles::HandleOf(data);
   TElement().SendMsg(tm_Done, nullptr, data, true);  // the message goes, not its data
-  EXPECT_EQ(ObjectHandles::ObjectOf(kept), data) << "the data still belongs to its creator";
-  delete ObjectHandles::ObjectOf(kept);
+  delete data;  // freed twice, as the sanitizer build shows, if the message had freed it
   for (const bool post : {true, false}) {
     auto* message = new TVeskaMessage(tm_Done, nullptr, nullptr, new TElement, false);
     const int32_t freed = ObjectHandles::HandleOf(message->Data);
@@ -76,10 +74,9 @@ TEST(MessageTest, OnlyAWrittenKillDataFreesTheDataAlsoOfAMessageNobodyTakes) {
 TEST(MessageTest, WritingPostItOrSendItDeliversWithTheCurrentOrTheWrittenNumber) {
   RecordingHost host;
   TElement sender;
-  for (const int32_t written : {0, 5}) {
+  for (const int32_t written : {0, 5})
     EXPECT_TRUE(
         (new TVeskaMessage(tm_EndTask, &sender, nullptr, nullptr, false))->SetPropertyIntByName(u"PostIt", written));
-  }
   EXPECT_TRUE(host.delivered.empty()) << "posting returns before delivery";
   host.ProcessMessages();
   EXPECT_TRUE((new TVeskaMessage(tm_StartTask, &sender, nullptr, nullptr, false))->SetPropertyIntByName(u"SendIt", 7));
@@ -144,16 +141,13 @@ TEST(MessageTest, EnvelopeAnswersForTheEntityItWrapsButAnEntityNotForItsMembers)
   EXPECT_EQ(envelope.FindOwnerClass(TOwnerEntity::StaticClassInfo()), &wrapped);
   EXPECT_EQ(Named<TOwnerEntity>(u"", {&envelope})->FindOwnerName(u"handles"), &wrapped) << "found through the envelope";
   TVeskaMessage message(tm_EndTask, nullptr, &envelope, nullptr, false);
-  bool handled = false;
+  bool handled = false, passed_down = false;
   envelope.HandleMessage(&message, handled);
-  EXPECT_TRUE(handled);
-  EXPECT_EQ(message.Receiver, &wrapped);
+  EXPECT_EQ(std::pair(handled, message.Receiver), std::pair(true, static_cast<TElement*>(&wrapped)));
   TEntity holder;
-  holder.AddElement(&envelope);
-  handled = false;
-  holder.HandleMessage(&message, handled);
-  EXPECT_FALSE(handled);
-  holder.Clear();
+  Named<TListeningEntity>(u"handles", {&holder});
+  holder.HandleMessage(&message, passed_down);
+  EXPECT_FALSE(passed_down);
 }
 
 }  // namespace
