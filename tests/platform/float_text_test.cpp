@@ -22,9 +22,8 @@ TEST(FloatToStr, PlainNotationBetweenTheExponentsMinusFiveAndFifteenScientificOu
   // 15 digits hide the binary noise of 0.1 + 0.2; rounding to 15 digits may raise the exponent.
   String texts;
   for (double value : {-0.0, 0.0001, -0.00012345, 123456789012345.0, 0.1 + 0.2, 1234567.8901234567, 0.00001, 1e15,
-                       999999999999999.9, std::numeric_limits<double>::max(), kDenormMin, kNaN, -kInfinity}) {
+                       999999999999999.9, std::numeric_limits<double>::max(), kDenormMin, kNaN, -kInfinity})
     texts += FloatToStr(value) + u" ";
-  }
   EXPECT_EQ(texts,
             u"0 0.0001 -0.00012345 123456789012345 0.3 1234567.89012346 1E-5 1E15 1E15 1.79769313486232E308 "
             u"4.94065645841247E-324 NAN -INF ");
@@ -72,9 +71,8 @@ TEST(StrToFloat, RejectsMalformedAndOverflowingText) {
   for (StringView text :
        {u"",       u" ",      u".",    u"-",    u"+.",  u"1.5.2", u"1,5",      u"1e",    u"1e+",
         u"e5",     u"1 5",    u"0x10", u"1.5x", u"--1", u"-NAN",  u"infinity", u"1e309", u"-1e99999999999999999999",
-        u"1e-2.5", u"\u0661", u"１"}) {
+        u"1e-2.5", u"\u0661", u"１"})
     EXPECT_TRUE(rejected(text)) << ToUtf8(String(text));
-  }
   EXPECT_TRUE(rejected(u"1" + String(400, u'0')) && rejected(u"0.0001e313"));  // 1e309 written other ways
   EXPECT_THAT([] { StrToFloat(u"abc"); },
               testing::ThrowsMessage<EConvertError>("'abc' is not a valid floating point value"));

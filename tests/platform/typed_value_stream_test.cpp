@@ -58,9 +58,8 @@ TEST(TypedValueWriter, ValuesTakeTheSmallestTagAndTheFormTheirTextNeeds) {
                                                 {128, {3, 0x80, 0x00}},
                                                 {-32769, {4, 0xFF, 0x7F, 0xFF, 0xFF}},
                                                 {int64_t{1} << 31, {19, 0, 0, 0, 0x80, 0, 0, 0, 0}}};
-  for (const auto& integer : integers) {
+  for (const auto& integer : integers)
     EXPECT_EQ(Written([&](TWriter& w) { w.WriteInteger(integer.first); }), integer.second) << integer.first;
-  }
   EXPECT_EQ(Written([](TWriter& w) { w.WriteString(u"Žák"); }), (Bytes{6, 3, 0x8E, 0xE1, 'k'}));
   EXPECT_EQ(Written([](TWriter& w) { w.WriteString(String(255, u'a')); }).size(), 2u + 255u);
   const Bytes long_text = Written([](TWriter& w) { w.WriteString(String(256, u'a')); });
