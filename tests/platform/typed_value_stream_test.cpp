@@ -53,13 +53,11 @@ String ReadErrorOf(const Bytes& bytes, const ReaderAction& read) {
 }
 
 TEST(TypedValueWriter, ValuesTakeTheSmallestTagAndTheFormTheirTextNeeds) {
-  const std::pair<int64_t, Bytes> integers[] = {{-128, {2, 0x80}},
-                                                {127, {2, 0x7F}},
-                                                {128, {3, 0x80, 0x00}},
-                                                {-32769, {4, 0xFF, 0x7F, 0xFF, 0xFF}},
-                                                {int64_t{1} << 31, {19, 0, 0, 0, 0x80, 0, 0, 0, 0}}};
-  for (const auto& integer : integers)
-    EXPECT_EQ(Written([&](TWriter& w) { w.WriteInteger(integer.first); }), integer.second) << integer.first;
+  EXPECT_EQ(Written([](TWriter& w) {
+              for (int64_t value : {-128, 127, 128, -32769}) w.WriteInteger(value);
+              w.WriteInteger(int64_t{1} << 31);
+            }),
+            (Bytes{2, 0x80, 2, 0x7F, 3, 0x80, 0x00, 4, 0xFF, 0x7F, 0xFF, 0xFF, 19, 0, 0, 0, 0x80, 0, 0, 0, 0}));
   EXPECT_EQ(Written([](TWriter& w) { w.WriteString(u"Žák"); }), (Bytes{6, 3, 0x8E, 0xE1, 'k'}));
   EXPECT_EQ(Written([](TWriter& w) { w.WriteString(String(255, u'a')); }).size(), 2u + 255u);
   const Bytes long_text = Written([](TWriter& w) { w.WriteString(String(256, u'a')); });
@@ -150,30 +148,41 @@ TEST(TypedValueStream, EveryWriterMethodRoundTripsAndTruncationAtEveryByteRaises
   }
 }
 
-TEST(TypedValueReader, AcceptsEveryNumericAndStringTag) {
+TEST(TypedValueReader, ReadsEveryNumericAndStringTagAndSkipsSetsCollectionsAndBinaries) {
   const Bytes bytes = {
-      2,  0xFE,                                            // int8 -2
-      3,  0x00, 0x80,                                      // int16 -32768
-      19, 5,    0,    0,    0,    0,    0,    0,    0,     // int64 5 as an integer
-      15, 0x00, 0x00, 0xC0, 0x3F,                          // single 1.5
-      21, 0,    0,    0,    0,    0,    0,    0xF0, 0xBF,  // double -1.0
-      17, 0,    0,    0,    0,    0,    0x40, 0xE5, 0x40,  // date 43520.0
-      16, 0x39, 0x30, 0,    0,    0,    0,    0,    0,     // currency 1.2345
-      3,  0xE8, 0x03,                                      // int16 1000 as a float
-      7,  2,    'i',  'd',                                 // identifier as a string
-      12, 2,    0,    0,    0,    0xE8, 0x9A,              // long 8-bit string "čš"
-      20, 3,    0,    0,    0,    'a',  0xC5, 0xBE,        // UTF-8 "až"
-      18, 0,    0,    0,    0,                             // empty UTF-16 string
+      2,  0xFE,                                                        // int8 -2
+      3,  0x00, 0x80,                                                  // int16 -32768
+      19, 5,    0,    0,    0,    0,    0,    0,    0,                 // int64 5 as an integer
+      15, 0x00, 0x00, 0xC0, 0x3F,                                      // single 1.5
+      21, 0,    0,    0,    0,    0,    0,    0xF0, 0xBF,              // double -1.0
+      17, 0,    0,    0,    0,    0,    0x40, 0xE5, 0x40,              // date 43520.0
+      16, 0x39, 0x30, 0,    0,    0,    0,    0,    0,                 // currency 1.2345
+      3,  0xE8, 0x03,                                                  // int16 1000 as a float
+      7,  2,    'i',  'd',                                             // identifier as a string
+      12, 2,    0,    0,    0,    0xE8, 0x9A,                          // long 8-bit string "čš"
+      20, 3,    0,    0,    0,    'a',  0xC5, 0xBE,                    // UTF-8 "až"
+      18, 0,    0,    0,    0,                                         // empty UTF-16 string
+      11, 3,    'a',  'k',  'L',  2,    'a',  'R',  0,                 // set [akL, aR]
+      14,                                                              // collection
+      1,  4,    'N',  'a',  'm',  'e',  6,    1,    'x',  0,           //   item without order
+      2,  5,    1,    0,                                               //   item with order 5, no properties
+      0,                                                               // end of collection
+      10, 3,    0,    0,    0,    1,    2,    3,                       // binary
+      5,  0,    0,    0,    0,    0,    0,    0,    0x80, 0xFF, 0x3F,  // extended
+      13, 16,   0,    0,    0,    0,    0,    0,    0,    0,           // nil, currency
+      2,  42,
   };
   TMemoryStream stream(Raw(bytes));
-  TReader reader(stream);
+  TReader reader(stream, 3);
   for (int32_t expected : {-2, -32768, 5}) EXPECT_EQ(reader.ReadInteger(), expected);
   for (double expected : {1.5, -1.0, 43520.0, 1.2345, 1000.0}) EXPECT_DOUBLE_EQ(reader.ReadFloat(), expected);
   for (StringView expected : {u"id", u"čš", u"až"}) EXPECT_EQ(reader.ReadString(), expected);
   EXPECT_EQ(reader.ReadChar(), u'\0');
+  for (int i = 0; i < 6; ++i) reader.SkipValue();
+  EXPECT_EQ(reader.ReadInteger(), 42);
 }
 
-TEST(ExtendedFloat, DecodesToTheNearestEvenDoubleOrItsDenormalsAndInfinity) {
+TEST(ExtendedFloat, DecodesToTheNearestEvenDoubleOrItsDenormalsAndInfinityAndEveryDoubleRoundTripsExactly) {
   constexpr double kInfinity = std::numeric_limits<double>::infinity();
   constexpr double kDenormMin = std::numeric_limits<double>::denorm_min();
   const std::pair<Bytes, double> cases[] = {
@@ -196,9 +205,7 @@ TEST(ExtendedFloat, DecodesToTheNearestEvenDoubleOrItsDenormalsAndInfinity) {
         << "case " << i;
   }
   EXPECT_TRUE(std::isnan(ExtendedToDouble(Extended({1, 0, 0, 0, 0, 0, 0, 0x80, 0xFF, 0x7F}))));  // low payload only
-}
 
-TEST(ExtendedFloat, EveryDoubleRoundTripsExactly) {
   EXPECT_EQ(DoubleToExtended(1.0), Extended({0, 0, 0, 0, 0, 0, 0, 0x80, 0xFF, 0x3F}));
   using L = std::numeric_limits<double>;
   std::vector<double> values = {0.0,           -0.0,           L::max(),       L::lowest(), L::min(), L::denorm_min(),
@@ -214,6 +221,14 @@ TEST(ExtendedFloat, EveryDoubleRoundTripsExactly) {
     EXPECT_EQ(std::bit_cast<uint64_t>(ExtendedToDouble(DoubleToExtended(value))), std::bit_cast<uint64_t>(value))
         << value;
   }
+}
+
+// Each opening `depth` times, then each closing as often.
+Bytes Nested(const Bytes& opening, int depth, const Bytes& closing) {
+  Bytes bytes;
+  for (int i = 0; i < depth; ++i) bytes.insert(bytes.end(), opening.begin(), opening.end());
+  for (int i = 0; i < depth; ++i) bytes.insert(bytes.end(), closing.begin(), closing.end());
+  return bytes;
 }
 
 // Calls one reader method and drops what it returns.
@@ -245,42 +260,15 @@ TEST(TypedValueReader, ErrorsNameTheTagThePositionAndTheShortfall) {
       {{18, 0xFF, 0xFF, 0xFF, 0xFF},
        Call<&R::ReadString>,
        u"Stream read error: 8589934590 bytes wanted at position 5, 0 left"},
+      // Lists nest up to 256 levels; collections whose items hold collections nest too.
+      {Nested({1}, 256, {0}), Call<&R::SkipValue>, u"(no error)"},
+      {Nested({1}, 257, {0}), Call<&R::SkipValue>, u"Values nested deeper than 256 levels at position 256"},
+      {Nested({14, 1, 1, 'p'}, 1000, {}), Call<&R::SkipValue>,
+       u"Values nested deeper than 256 levels at position 1024"},
   };
   for (const auto& [bytes, read, error] : cases) EXPECT_EQ(ReadErrorOf(bytes, read), error) << ToUtf8(error);
   EXPECT_EQ(ReadErrorOf({2, 1, 7, 1, 'x'}, [](TReader& r) { r.ReadInteger(), r.ReadInteger(); }),
             u"Unexpected value tag 7 where an integer was expected at position 2");
-}
-
-TEST(TypedValueReader, SkipsSetsCollectionsAndBinaries) {
-  const Bytes bytes = {
-      11, 3,  'a', 'k', 'L', 2,   'a', 'R', 0,                 // set [akL, aR]
-      14,                                                      // collection
-      1,  4,  'N', 'a', 'm', 'e', 6,   1,   'x',  0,           //   item without order
-      2,  5,  1,   0,                                          //   item with order 5, no properties
-      0,                                                       // end of collection
-      10, 3,  0,   0,   0,   1,   2,   3,                      // binary
-      5,  0,  0,   0,   0,   0,   0,   0,   0x80, 0xFF, 0x3F,  // extended
-      13, 16, 0,   0,   0,   0,   0,   0,   0,    0,           // nil, currency
-      2,  42,
-  };
-  TMemoryStream stream(Raw(bytes));
-  TReader reader(stream, 3);
-  for (int i = 0; i < 6; ++i) reader.SkipValue();
-  EXPECT_EQ(reader.ReadInteger(), 42);
-}
-
-TEST(TypedValueReader, NestingDeeperThanTheLimitIsRefused) {
-  const auto nested = [](int depth) {
-    Bytes bytes(static_cast<std::size_t>(depth), 1);
-    bytes.insert(bytes.end(), static_cast<std::size_t>(depth), 0);
-    return bytes;
-  };
-  EXPECT_EQ(ReadErrorOf(nested(TReader::kMaxNesting), [](TReader& r) { r.SkipValue(); }), u"(no error)");
-  EXPECT_EQ(ReadErrorOf(nested(TReader::kMaxNesting + 1), [](TReader& r) { r.SkipValue(); }),
-            u"Values nested deeper than 256 levels at position 256");
-  Bytes collections;  // collections whose items hold collections, far too deep
-  for (int i = 0; i < 1000; ++i) collections.insert(collections.end(), {14, 1, 1, 'p'});
-  EXPECT_EQ(ReadErrorOf(collections, [](TReader& r) { r.SkipValue(); }).rfind(u"Values nested deeper", 0), 0u);
 }
 
 // A stream that refuses every write.
