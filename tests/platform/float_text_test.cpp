@@ -5,7 +5,6 @@
 
 #include <cmath>
 #include <limits>
-#include <random>
 #include <vector>
 
 #include "kernel/platform/exceptions.h"
@@ -39,13 +38,6 @@ TEST(FloatToStrUnformatted, FifteenDigitsAndAFourDigitExponentThatReadBack) {
   EXPECT_EQ(texts,
             u" 1.50000000000000E+0000|-2.50000000000000E-0007| 0.00000000000000E+0000| 1.23456789123457E+0008|"
             u" 4.94065645841247E-0324|-INF|NAN|");
-  std::mt19937_64 random(20310501);
-  for (int i = 0; i < 1000; ++i) {
-    const double value = std::ldexp(std::uniform_real_distribution<double>(-10, 10)(random), int(random() % 601) - 300);
-    const double read = StrToFloat(FloatToStrUnformatted(value));
-    ASSERT_LE(std::fabs(read - value), std::fabs(value) * 1e-14) << ToUtf8(FloatToStrUnformatted(value));
-    ASSERT_EQ(FloatToStrUnformatted(read), FloatToStrUnformatted(value));
-  }
 }
 
 TEST(StrToFloat, AcceptsSignsBlanksFractionsAndExponents) {

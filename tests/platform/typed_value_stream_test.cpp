@@ -6,7 +6,6 @@
 #include <cmath>
 #include <functional>
 #include <limits>
-#include <random>
 #include <tuple>
 #include <vector>
 
@@ -100,11 +99,8 @@ void WriteMixed(TWriter& w) {
   for (char16_t letter : {u'č', u'\0'}) w.WriteChar(letter);
   w.WriteBoolean(true);
   w.WriteIdent(u"Name");
-  w.WriteListBegin();
-  w.WriteListBegin();
-  w.WriteListEnd();
-  w.WriteListEnd();
-  w.WriteListEnd();
+  for (int i = 0; i < 2; ++i) w.WriteListBegin();
+  for (int i = 0; i < 3; ++i) w.WriteListEnd();
   w.WriteIdent(u"null");  // behind the list: its tag ends a list
 }
 
@@ -208,16 +204,8 @@ TEST(ExtendedFloat, DecodesToTheNearestEvenDoubleOrItsDenormalsAndInfinityAndEve
 
   EXPECT_EQ(DoubleToExtended(1.0), Extended({0, 0, 0, 0, 0, 0, 0, 0x80, 0xFF, 0x3F}));
   using L = std::numeric_limits<double>;
-  std::vector<double> values = {0.0,           -0.0,           L::max(),       L::lowest(), L::min(), L::denorm_min(),
-                                L::infinity(), -L::infinity(), -L::quiet_NaN()};
-  values.push_back(std::nextafter(L::min(), 0.0));
-  std::mt19937_64 random(2024);
-  for (int i = 0; i < 20000; ++i) {
-    const double value = std::bit_cast<double>(random());
-    if (!std::isnan(value)) values.push_back(value);
-    values.push_back(std::bit_cast<double>(random() & ((uint64_t{1} << 52) - 1)));  // denormals
-  }
-  for (double value : values) {
+  for (double value : {0.0, -0.0, 0.1, -L::max(), L::min(), std::nextafter(L::min(), 0.0), L::denorm_min(),
+                       3 * L::denorm_min(), L::infinity(), -L::quiet_NaN()}) {
     EXPECT_EQ(std::bit_cast<uint64_t>(ExtendedToDouble(DoubleToExtended(value))), std::bit_cast<uint64_t>(value))
         << value;
   }
