@@ -26,6 +26,15 @@ bool Refuses(Reader read, const String& text) {
   return !read(text, value) && value == 42;
 }
 
+// Settings with other separators and short date format than the defaults.
+TFormatSettings Settings(char16_t date_separator, StringView short_date, char16_t time_separator = u':') {
+  TFormatSettings settings;
+  settings.DateSeparator = date_separator;
+  settings.ShortDateFormat = String(short_date);
+  settings.TimeSeparator = time_separator;
+  return settings;
+}
+
 constexpr double kOneMillisecond = 1.0 / double(MSecsPerDay);
 constexpr double kNaN = std::numeric_limits<double>::quiet_NaN();
 
@@ -90,8 +99,7 @@ TEST(Calendar, DecodingRoundsToTheMillisecondAndBefore1899KeepsTheTimeAsTheAbsol
 TEST(Iso8601, WritesUtcWithMillisecondsWhateverTheSeparatorsAndReadsExtendedAndBasicFormsApplyingOffsets) {
   EXPECT_EQ(DateToISO8601(EncodeDateTime(2031, 5, 1, 13, 4, 5, 6), false), u"2031-05-01T13:04:05.006");
   const TFormatSettings saved = FormatSettings;
-  FormatSettings.TimeSeparator = u'.';
-  FormatSettings.DateSeparator = u'/';
+  FormatSettings = Settings(u'/', u"d/m/yyyy", u'.');
   EXPECT_EQ(DateToISO8601(EncodeDate(45, 3, 9)), u"0045-03-09T00:00:00.000Z");
   FormatSettings = saved;
   for (TDateTime value :
@@ -161,10 +169,7 @@ TEST(LocaleDateTime, PatternLetters) {
   EXPECT_EQ(FormatDateTime(u"ddddd t tt", value), u"1.5.2031 19:05 19:05:03");
   EXPECT_EQ(FormatDateTime(u"yyyy-x#", EncodeDate(45, 1, 1)), u"0045-x#");
 
-  TFormatSettings settings;
-  settings.DateSeparator = u'/';
-  settings.TimeSeparator = u'.';
-  settings.ShortDateFormat = u"yyyy/mm/dd";
+  TFormatSettings settings = Settings(u'/', u"yyyy/mm/dd", u'.');
   EXPECT_EQ(DateTimeToStr(value, settings), u"2031/05/01 19.05.03");
   // Patterns that name themselves stop after a few levels instead of recursing without end.
   settings.ShortDateFormat = u"c";
@@ -184,13 +189,9 @@ TEST(LocaleDateTime, ReadsDatesInTheOrderOfTheShortDateFormat) {
   EXPECT_TRUE(twoDigit % 100 == 31 && twoDigit >= thisYear - 50 && twoDigit < thisYear + 50) << twoDigit;
   EXPECT_EQ(StrToDate(u"1.5.0031"), EncodeDate(31, 5, 1));  // four digits are taken as written
 
-  TFormatSettings american;
-  american.DateSeparator = u'/';
-  american.ShortDateFormat = u"m/d/yyyy";
-  EXPECT_EQ(StrToDate(u"5/1/2031", american), may1);
-  american.DateSeparator = u'-';
-  american.ShortDateFormat = u"'day' yyyy-mm-dd";  // the quoted d does not decide the order
-  EXPECT_EQ(StrToDate(u"2031-5-1", american), may1);
+  EXPECT_EQ(StrToDate(u"5/1/2031", Settings(u'/', u"m/d/yyyy")), may1);
+  // The quoted d does not decide the order.
+  EXPECT_EQ(StrToDate(u"2031-5-1", Settings(u'-', u"'day' yyyy-mm-dd")), may1);
 
   const auto date = [](const String& text, TDateTime& value) { return TryStrToDate(text, value); };
   for (StringView text : {u"", u"1", u"31.4.2031", u"29.2.2031", u"1.5.2031x", u"1-5-2031", u"1..2031", u"1.5.10000",
@@ -211,11 +212,8 @@ TEST(LocaleDateTime, ReadsTimesAndDateTimesWithOptionalSecondsAndFraction) {
   EXPECT_EQ(Iso(StrToDateTime(u"31.12.2031 23:59:59.9999")), "2032-01-01T00:00:00.000Z");
   EXPECT_THAT([] { StrToDateTime(u"1.5.2031 soon"); },
               ThrowsMessage<EConvertError>("'1.5.2031 soon' is not a valid date and time"));
-  TFormatSettings settings;
-  settings.DateSeparator = u'/';
-  settings.TimeSeparator = u'.';
+  TFormatSettings settings = Settings(u'/', u"yyyy/mm/dd", u'.');
   settings.DecimalSeparator = u',';
-  settings.ShortDateFormat = u"yyyy/mm/dd";
   EXPECT_DOUBLE_EQ(StrToDateTime(u"2031/05/01 7.05.03,25", settings), EncodeDateTime(2031, 5, 1, 7, 5, 3, 250));
 }
 
