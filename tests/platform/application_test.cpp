@@ -38,8 +38,8 @@ struct Discards {
   }
 };
 
-TEST(Application, PlatformDefaultsOnTheCreatingThreadAndOneCurrentHostThatUninstallsItself) {
-  const TApplication host;
+TEST(Application, PlatformDefaultsOneCurrentHostAndHooksThatObserveCursorAndProgress) {
+  RecordingHost host;
   EXPECT_NE(host.MainFormHandle(), TApplication().MainFormHandle());
   // This test program is the running executable; the title is its name without extension.
   EXPECT_EQ(std::filesystem::path(ToUtf8(host.ExeName())).filename().string(), "veska_platform_tests");
@@ -57,10 +57,7 @@ TEST(Application, PlatformDefaultsOnTheCreatingThreadAndOneCurrentHostThatUninst
     EXPECT_EQ(&Application(), &second);
   }
   EXPECT_EQ(&Application(), &default_host);
-}
 
-TEST(Application, HooksObserveCursorChangesAndProgress) {
-  RecordingHost host;
   for (TCursor cursor : {TCursor::HourGlass, TCursor::HourGlass, TCursor::Default}) host.SetCursor(cursor);
   EXPECT_EQ(host.cursors, (std::vector<TCursor>{TCursor::HourGlass, TCursor::Default}));  // no change, no call
 
@@ -77,26 +74,6 @@ TEST(Application, HooksObserveCursorChangesAndProgress) {
   EXPECT_EQ(host.shown.Caption + u"|" + host.shown.Text, u"Načítání|200 bytů z celkových 600");
   EXPECT_EQ(std::tuple(host.shown.Active, host.shown.Min, host.shown.Max, host.shown.Position),
             std::tuple(false, 10, 600, 200));
-}
-
-TEST(WindowMessages, PostedInOrderIncludingMessagesPostedMeanwhileAndSentAtOnce) {
-  TApplication host;
-  std::vector<std::uint32_t> seen;
-  host.SetWindowProc([&](TWindowMessage& message) {
-    seen.push_back(message.Msg);
-    EXPECT_EQ(message.LParam, message.Msg == 4 ? -5 : 0);
-    if (message.Msg == 1) host.PostMessage(10, 0, 0);  // goes behind 2 and 3
-    if (message.Msg == 2) {
-      host.PostMessage(20, 0, 0);
-      host.ProcessMessages();  // nested: drains 3, 10 and 20 first
-    }
-    return message.Msg != 30;
-  });
-  for (std::uint32_t message : {1, 2, 3}) host.PostMessage(message, 0, 0);
-  EXPECT_TRUE(host.SendMessage(4, 0, -5));  // before the posted ones
-  EXPECT_FALSE(host.SendMessage(30, 0, 0));
-  host.ProcessMessages();
-  EXPECT_EQ(seen, (std::vector<std::uint32_t>{4, 30, 1, 2, 3, 10, 20}));
 }
 
 TEST(WindowMessages, UntakenMessagesAreDiscardedOnceTakenOnesNeverAndAThrowingProcedureIsReported) {

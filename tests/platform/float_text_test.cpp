@@ -17,7 +17,7 @@ constexpr double kInfinity = std::numeric_limits<double>::infinity();
 constexpr double kNaN = std::numeric_limits<double>::quiet_NaN();
 constexpr double kDenormMin = std::numeric_limits<double>::denorm_min();
 
-TEST(FloatToStr, PlainNotationBetweenTheExponentsMinusFiveAndFifteenScientificOutside) {
+TEST(FloatToStr, PlainBetweenTheExponentsMinusFiveAndFifteenOrUnformattedWithFifteenDigitsAndAFourDigitExponent) {
   // 15 digits hide the binary noise of 0.1 + 0.2; rounding to 15 digits may raise the exponent.
   String texts;
   for (double value : {-0.0, 0.0001, -0.00012345, 123456789012345.0, 0.1 + 0.2, 1234567.8901234567, 0.00001, 1e15,
@@ -26,21 +26,19 @@ TEST(FloatToStr, PlainNotationBetweenTheExponentsMinusFiveAndFifteenScientificOu
   EXPECT_EQ(texts,
             u"0 0.0001 -0.00012345 123456789012345 0.3 1234567.89012346 1E-5 1E15 1E15 1.79769313486232E308 "
             u"4.94065645841247E-324 NAN -INF ");
-}
 
-TEST(FloatToStrUnformatted, FifteenDigitsAndAFourDigitExponentThatReadBack) {
-  String texts;
+  String unformatted;  // and each reads back
   for (double value : {1.5, -2.5e-7, 0.0, 123456789.123456789, kDenormMin, -kInfinity, kNaN}) {
     const String text = FloatToStrUnformatted(value);
-    texts += text + u"|";
+    unformatted += text + u"|";
     EXPECT_EQ(FloatToStrUnformatted(StrToFloat(text)), text);
   }
-  EXPECT_EQ(texts,
+  EXPECT_EQ(unformatted,
             u" 1.50000000000000E+0000|-2.50000000000000E-0007| 0.00000000000000E+0000| 1.23456789123457E+0008|"
             u" 4.94065645841247E-0324|-INF|NAN|");
 }
 
-TEST(StrToFloat, AcceptsSignsBlanksFractionsAndExponents) {
+TEST(StrToFloat, AcceptsSignsBlanksFractionsAndExponentsAndRejectsMalformedAndOverflowingText) {
   std::vector<double> read;
   const String tiny = u"0." + String(371, u'0') + u"1";
   for (StringView text :
@@ -53,12 +51,10 @@ TEST(StrToFloat, AcceptsSignsBlanksFractionsAndExponents) {
   EXPECT_EQ(read, (std::vector<double>{-1.5, 2, 0.5, 5, 1000, 7, 0, -0.0, kInfinity, -kInfinity, 0}));
   double value = 0;
   EXPECT_TRUE(TryStrToFloat(u"NaN", value) && std::isnan(value));
-}
 
-TEST(StrToFloat, RejectsMalformedAndOverflowingText) {
   const auto rejected = [](StringView text) {
-    double value = 42;
-    return !TryStrToFloat(text, value) && value == 42;
+    double kept = 42;
+    return !TryStrToFloat(text, kept) && kept == 42;
   };
   for (StringView text :
        {u"",       u" ",      u".",    u"-",    u"+.",  u"1.5.2", u"1,5",      u"1e",    u"1e+",

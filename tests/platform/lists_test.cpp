@@ -78,7 +78,7 @@ TEST(StringList, ObjectsTravelWithTheirLinesAndBadIndexesRaise) {
   EXPECT_EQ(list.ValueFromIndex(-1), u"");  // a negative index is "not found", not an error
 }
 
-TEST(StringList, IndexOfIgnoresCaseUnlessCaseSensitiveAndNameValueLines) {
+TEST(StringList, IndexOfIgnoresCaseUnlessCaseSensitiveNameValueLinesAndSortedListsApplyDuplicates) {
   TStringList cased = ListOf({u"Žluťoučký", u"kůň", u"KŮŇ"});
   EXPECT_EQ(std::tuple(cased.IndexOf(u"ŽLUŤOUČKÝ"), cased.IndexOf(u"Kůň"), cased.IndexOf(u"kun")),
             std::tuple(0, 1, -1));
@@ -99,25 +99,23 @@ TEST(StringList, IndexOfIgnoresCaseUnlessCaseSensitiveAndNameValueLines) {
   list.SetValue(u"path", u"");     // an empty value deletes the line
   list.SetValue(u"missing", u"");  // nothing to delete
   EXPECT_EQ(Lines(list), (Texts{u"plain", u"WIDTH=30", u"=nameless", u"width=20", u"Height=5"}));
-}
 
-TEST(StringList, SortedListsKeepOrderAndApplyDuplicates) {
-  TStringList list = ListOf({u"pear", u"Apple", u"čaj", u"fig"});
-  list.SetSorted(true);
-  EXPECT_EQ(Lines(list), (Texts{u"Apple", u"fig", u"pear", u"čaj"}));
-  EXPECT_EQ(list.Add(u"banana"), 1);
-  EXPECT_EQ(list.Add(u"APPLE"), 0);  // ignored: the index of the line held
-  EXPECT_EQ(std::tuple(list.Count(), list.IndexOf(u"PEAR")), std::tuple(5, 3));
+  TStringList sorted = ListOf({u"pear", u"Apple", u"čaj", u"fig"});
+  sorted.SetSorted(true);
+  EXPECT_EQ(Lines(sorted), (Texts{u"Apple", u"fig", u"pear", u"čaj"}));
+  EXPECT_EQ(sorted.Add(u"banana"), 1);
+  EXPECT_EQ(sorted.Add(u"APPLE"), 0);  // ignored: the index of the line held
+  EXPECT_EQ(std::tuple(sorted.Count(), sorted.IndexOf(u"PEAR")), std::tuple(5, 3));
   int index = -1;
-  EXPECT_TRUE(!list.Find(u"grape", index) && index == 3);
-  list.SetDuplicates(TDuplicates::Accept);
-  EXPECT_EQ(list.Add(u"FIG"), 2);  // before the equal line already there
+  EXPECT_TRUE(!sorted.Find(u"grape", index) && index == 3);
+  sorted.SetDuplicates(TDuplicates::Accept);
+  EXPECT_EQ(sorted.Add(u"FIG"), 2);  // before the equal line already there
 
-  list.SetDuplicates(TDuplicates::Error);
-  EXPECT_THAT([&] { list.Add(u"pear"); }, ThrowsMessage<EListError>("String list does not allow duplicates"));
-  EXPECT_THAT([&] { list.Insert(0, u"x"); }, ThrowsMessage<EListError>("Operation not allowed on sorted list"));
+  sorted.SetDuplicates(TDuplicates::Error);
+  EXPECT_THAT([&] { sorted.Add(u"pear"); }, ThrowsMessage<EListError>("String list does not allow duplicates"));
+  EXPECT_THAT([&] { sorted.Insert(0, u"x"); }, ThrowsMessage<EListError>("Operation not allowed on sorted list"));
   // Kept from the platform: a new name=value line goes in through Put, which a sorted list refuses.
-  EXPECT_THAT([&] { list.SetValue(u"k", u"v"); }, ThrowsMessage<EListError>("Operation not allowed on sorted list"));
+  EXPECT_THAT([&] { sorted.SetValue(u"k", u"v"); }, ThrowsMessage<EListError>("Operation not allowed on sorted list"));
 }
 
 TEST(StringList, TextEndsEveryLineAndSplitsOnAnyLineBreakAndCommaTextQuotesWhatNeedsIt) {

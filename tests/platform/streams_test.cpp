@@ -24,7 +24,7 @@ std::string ReadAll(TStream& stream) {
   return text;
 }
 
-TEST(MemoryStream, GrowsOnWriteReadsBackReportingTheShortfallAndCopiesAPartOrTheWholeOfAnother) {
+TEST(MemoryStream, GrowsReadsBackCopiesSeeksFromEveryOriginAndFillsGapsWithZeros) {
   TMemoryStream stream;
   std::string expected;
   for (int i = 0; i < 20000; ++i) {
@@ -47,28 +47,26 @@ TEST(MemoryStream, GrowsOnWriteReadsBackReportingTheShortfallAndCopiesAPartOrThe
   EXPECT_EQ(part.CopyFrom(stream, 5), 5);
   EXPECT_EQ(ReadAll(part), expected.substr(100, 5));
   EXPECT_THROW(part.CopyFrom(stream, -1), EStreamError);
-}
 
-TEST(MemoryStream, SeeksFromEveryOriginAndFillsGapsWithZeros) {
-  TMemoryStream stream(BytesOf("abcdef"));
-  EXPECT_EQ((std::tuple{stream.Seek(2, TSeekOrigin::soBeginning), stream.Seek(1, TSeekOrigin::soCurrent),
-                        stream.Seek(-1, TSeekOrigin::soEnd)}),
+  TMemoryStream small(BytesOf("abcdef"));
+  EXPECT_EQ((std::tuple{small.Seek(2, TSeekOrigin::soBeginning), small.Seek(1, TSeekOrigin::soCurrent),
+                        small.Seek(-1, TSeekOrigin::soEnd)}),
             std::tuple(2, 3, 5));
-  EXPECT_THROW(stream.Seek(-7, TSeekOrigin::soEnd), EStreamError);
-  EXPECT_EQ(stream.Seek(4, TSeekOrigin::soCurrent), 9);  // from where the refused seek left it, past the end
-  stream.WriteBuffer(BytesOf("Z"));
-  EXPECT_EQ(ReadAll(stream), std::string("abcdef\0\0\0Z", 10));
-  stream.SetSize(4);  // truncating pulls the position back
-  EXPECT_EQ(stream.Position(), 4);
-  stream.SetSize(6);
-  EXPECT_EQ(ReadAll(stream), std::string("abcd\0\0", 6));
-  stream.Clear();
-  EXPECT_EQ(std::tuple(stream.Size(), stream.Position()), std::tuple(0, 0));
+  EXPECT_THROW(small.Seek(-7, TSeekOrigin::soEnd), EStreamError);
+  EXPECT_EQ(small.Seek(4, TSeekOrigin::soCurrent), 9);  // from where the refused seek left it, past the end
+  small.WriteBuffer(BytesOf("Z"));
+  EXPECT_EQ(ReadAll(small), std::string("abcdef\0\0\0Z", 10));
+  small.SetSize(4);  // truncating pulls the position back
+  EXPECT_EQ(small.Position(), 4);
+  small.SetSize(6);
+  EXPECT_EQ(ReadAll(small), std::string("abcd\0\0", 6));
+  small.Clear();
+  EXPECT_EQ(std::tuple(small.Size(), small.Position()), std::tuple(0, 0));
 }
 
-TEST(FileStream, ModesKeepOrReplaceTheContentAndReadsAndWritesAlternate) {
+TEST(FileStream, ModesKeepOrReplaceTheContentWholeFilesLoadAndSaveAndOpenFailuresNameTheFile) {
   const test::TempFolder folder;
-  const String name = folder.Path("data.bin");
+  const String name = folder.Path("Příliš žluťoučký.bin");  // a non-ASCII file name
   TFileStream(name, TFileMode::fmCreate).WriteBuffer(BytesOf("abcdefgh"));
   {
     TFileStream file(name, TFileMode::fmOpenReadWrite);
@@ -92,11 +90,7 @@ TEST(FileStream, ModesKeepOrReplaceTheContentAndReadsAndWritesAlternate) {
   EXPECT_EQ(file.FileName(), name);
   EXPECT_EQ(ReadAll(file), std::string("AbXYefgh\0", 9));
   EXPECT_THROW(file.WriteBuffer(BytesOf("x")), EWriteError);  // read-only
-}
 
-TEST(FileStream, MemoryStreamLoadsAndSavesWholeFilesAndOpenFailuresNameTheFile) {
-  const test::TempFolder folder;
-  const String name = folder.Path("Příliš žluťoučký.bin");  // a non-ASCII file name
   TMemoryStream saved(BytesOf(std::string_view("VSK0\0\1\2", 7)));
   saved.SaveToFile(name);
   TMemoryStream loaded(BytesOf("old content that is replaced"));

@@ -5,10 +5,9 @@
 namespace veska {
 namespace {
 
-TEST(TextConversion, Utf8RoundTripsEveryPlaneAndReplacesEachMaximalIllFormedSubpartOnceAndWin1250KeepsEveryByte) {
+TEST(Text, ConversionsRoundTripReplaceIllFormedUtf8AndKeepEveryWin1250ByteAndCaseMappingAgreesWithTheAsciiFastPath) {
   const String text = u"Příliš žluťoučký kůň \U0001F600 \u00A0end";
   EXPECT_EQ(FromUtf8(ToUtf8(text)), text);
-  EXPECT_EQ(ToUtf8(u"č"), "\xC4\x8D");
   // A stray continuation byte, sequences cut short, C0 (never a lead byte), an encoded
   // surrogate, a code point beyond U+10FFFF.
   const std::pair<std::string_view, StringView> malformed[] = {
@@ -25,14 +24,11 @@ TEST(TextConversion, Utf8RoundTripsEveryPlaneAndReplacesEachMaximalIllFormedSubp
 
   // Windows-1250: Czech letters round-trip and the bytes it leaves undefined map to themselves.
   EXPECT_EQ(FromWin1250("\x8A\x9A\xC8\xE8\xD8\xF8\x8E\x9E\x80\x81\x83\x88\x90\x98"), u"ŠšČčŘřŽž€\x81\x83\x88\x90\x98");
-  EXPECT_EQ(ToWin1250(u"Příliš žluťoučký kůň"), "P\xF8\xED\x6Ci\x9A \x9Elu\x9Dou\xE8k\xFD k\xF9\xF2");
   std::string every_byte;
   for (int b = 0; b < 256; ++b) every_byte += char(b);
   EXPECT_EQ(ToWin1250(FromWin1250(every_byte)), every_byte);
   EXPECT_EQ(ToWin1250(u"中"), "?");
-}
 
-TEST(CaseMapping, UnicodeUpperCaseAndComparisonAgreeWithTheAsciiFastPath) {
   EXPECT_EQ(UpperCase(u"příliš žluťoučký"), u"PŘÍLIŠ ŽLUŤOUČKÝ");
   EXPECT_EQ(AsciiUpperCase(u"name_č{z}"), u"NAME_č{Z}");  // Latin letters only
   EXPECT_TRUE(SameText(u"Čtyři", u"čTYŘI") && CompareText(u"tnameelement", u"TNameElement") == 0 &&

@@ -144,7 +144,22 @@ TEST(TypedValueStream, EveryWriterMethodRoundTripsAndTruncationAtEveryByteRaises
   }
 }
 
-TEST(TypedValueReader, ReadsEveryNumericAndStringTagAndSkipsSetsCollectionsAndBinaries) {
+// Each opening `depth` times, then each closing as often.
+Bytes Nested(const Bytes& opening, int depth, const Bytes& closing) {
+  Bytes bytes;
+  for (int i = 0; i < depth; ++i) bytes.insert(bytes.end(), opening.begin(), opening.end());
+  for (int i = 0; i < depth; ++i) bytes.insert(bytes.end(), closing.begin(), closing.end());
+  return bytes;
+}
+
+// Calls one reader method and drops what it returns.
+template <auto Method>
+void Call(TReader& reader) {
+  (void)(reader.*Method)();
+}
+using R = TReader;
+
+TEST(TypedValueReader, ReadsEveryTagSkipsWhatItDoesNotNeedAndErrorsNameTheTagThePositionAndTheShortfall) {
   const Bytes bytes = {
       2,  0xFE,                                                        // int8 -2
       3,  0x00, 0x80,                                                  // int16 -32768
@@ -176,6 +191,37 @@ TEST(TypedValueReader, ReadsEveryNumericAndStringTagAndSkipsSetsCollectionsAndBi
   EXPECT_EQ(reader.ReadChar(), u'\0');
   for (int i = 0; i < 6; ++i) reader.SkipValue();
   EXPECT_EQ(reader.ReadInteger(), 42);
+
+  const std::tuple<Bytes, ReaderAction, StringView> cases[] = {
+      {{4, 1, 2}, Call<&R::ReadInteger>, u"Stream read error: 4 bytes wanted at position 1, 2 left"},
+      {{}, Call<&R::ReadValue>, u"Stream read error: 1 byte wanted at position 0, 0 left"},
+      {{99}, Call<&R::NextValue>, u"Invalid value tag 99 at position 0"},
+      {{19, 0, 0, 0, 0, 1, 0, 0, 0},
+       Call<&R::ReadInteger>,
+       u"Integer 4294967296 does not fit in 32 bits at position 0"},
+      {{6, 2, 'a', 'b'}, Call<&R::ReadChar>, u"String of 2 characters where a character was expected at position 0"},
+      {{6, 0}, Call<&R::ReadFloat>, u"Unexpected value tag 6 where a float was expected at position 0"},
+      {{2, 0}, Call<&R::ReadBoolean>, u"Unexpected value tag 2 where a boolean was expected at position 0"},
+      {{6, 0}, Call<&R::ReadIdent>, u"Unexpected value tag 6 where an identifier was expected at position 0"},
+      {{0}, Call<&R::ReadListBegin>, u"Unexpected value tag 0 where list begin was expected at position 0"},
+      {{1}, Call<&R::ReadListEnd>, u"Unexpected value tag 1 where end of list was expected at position 0"},
+      {{'V', 'S'}, Call<&R::ReadSignature>, u"Stream read error: 4 bytes wanted at position 0, 2 left"},
+      // Huge lengths are refused before anything is allocated.
+      {{12, 0xFF, 0xFF, 0xFF, 0x7F, 'x', 'x', 'x'},
+       Call<&R::ReadString>,
+       u"Stream read error: 2147483647 bytes wanted at position 5, 3 left"},
+      {{18, 0xFF, 0xFF, 0xFF, 0xFF},
+       Call<&R::ReadString>,
+       u"Stream read error: 8589934590 bytes wanted at position 5, 0 left"},
+      // Lists nest up to 256 levels; collections whose items hold collections nest too.
+      {Nested({1}, 256, {0}), Call<&R::SkipValue>, u"(no error)"},
+      {Nested({1}, 257, {0}), Call<&R::SkipValue>, u"Values nested deeper than 256 levels at position 256"},
+      {Nested({14, 1, 1, 'p'}, 1000, {}), Call<&R::SkipValue>,
+       u"Values nested deeper than 256 levels at position 1024"},
+  };
+  for (const auto& [input, read, error] : cases) EXPECT_EQ(ReadErrorOf(input, read), error) << ToUtf8(error);
+  EXPECT_EQ(ReadErrorOf({2, 1, 7, 1, 'x'}, [](TReader& r) { r.ReadInteger(), r.ReadInteger(); }),
+            u"Unexpected value tag 7 where an integer was expected at position 2");
 }
 
 TEST(ExtendedFloat, DecodesToTheNearestEvenDoubleOrItsDenormalsAndInfinityAndEveryDoubleRoundTripsExactly) {
@@ -211,72 +257,13 @@ TEST(ExtendedFloat, DecodesToTheNearestEvenDoubleOrItsDenormalsAndInfinityAndEve
   }
 }
 
-// Each opening `depth` times, then each closing as often.
-Bytes Nested(const Bytes& opening, int depth, const Bytes& closing) {
-  Bytes bytes;
-  for (int i = 0; i < depth; ++i) bytes.insert(bytes.end(), opening.begin(), opening.end());
-  for (int i = 0; i < depth; ++i) bytes.insert(bytes.end(), closing.begin(), closing.end());
-  return bytes;
-}
-
-// Calls one reader method and drops what it returns.
-template <auto Method>
-void Call(TReader& reader) {
-  (void)(reader.*Method)();
-}
-using R = TReader;
-
-TEST(TypedValueReader, ErrorsNameTheTagThePositionAndTheShortfall) {
-  const std::tuple<Bytes, ReaderAction, StringView> cases[] = {
-      {{4, 1, 2}, Call<&R::ReadInteger>, u"Stream read error: 4 bytes wanted at position 1, 2 left"},
-      {{}, Call<&R::ReadValue>, u"Stream read error: 1 byte wanted at position 0, 0 left"},
-      {{99}, Call<&R::NextValue>, u"Invalid value tag 99 at position 0"},
-      {{19, 0, 0, 0, 0, 1, 0, 0, 0},
-       Call<&R::ReadInteger>,
-       u"Integer 4294967296 does not fit in 32 bits at position 0"},
-      {{6, 2, 'a', 'b'}, Call<&R::ReadChar>, u"String of 2 characters where a character was expected at position 0"},
-      {{6, 0}, Call<&R::ReadFloat>, u"Unexpected value tag 6 where a float was expected at position 0"},
-      {{2, 0}, Call<&R::ReadBoolean>, u"Unexpected value tag 2 where a boolean was expected at position 0"},
-      {{6, 0}, Call<&R::ReadIdent>, u"Unexpected value tag 6 where an identifier was expected at position 0"},
-      {{0}, Call<&R::ReadListBegin>, u"Unexpected value tag 0 where list begin was expected at position 0"},
-      {{1}, Call<&R::ReadListEnd>, u"Unexpected value tag 1 where end of list was expected at position 0"},
-      {{'V', 'S'}, Call<&R::ReadSignature>, u"Stream read error: 4 bytes wanted at position 0, 2 left"},
-      // Huge lengths are refused before anything is allocated.
-      {{12, 0xFF, 0xFF, 0xFF, 0x7F, 'x', 'x', 'x'},
-       Call<&R::ReadString>,
-       u"Stream read error: 2147483647 bytes wanted at position 5, 3 left"},
-      {{18, 0xFF, 0xFF, 0xFF, 0xFF},
-       Call<&R::ReadString>,
-       u"Stream read error: 8589934590 bytes wanted at position 5, 0 left"},
-      // Lists nest up to 256 levels; collections whose items hold collections nest too.
-      {Nested({1}, 256, {0}), Call<&R::SkipValue>, u"(no error)"},
-      {Nested({1}, 257, {0}), Call<&R::SkipValue>, u"Values nested deeper than 256 levels at position 256"},
-      {Nested({14, 1, 1, 'p'}, 1000, {}), Call<&R::SkipValue>,
-       u"Values nested deeper than 256 levels at position 1024"},
-  };
-  for (const auto& [bytes, read, error] : cases) EXPECT_EQ(ReadErrorOf(bytes, read), error) << ToUtf8(error);
-  EXPECT_EQ(ReadErrorOf({2, 1, 7, 1, 'x'}, [](TReader& r) { r.ReadInteger(), r.ReadInteger(); }),
-            u"Unexpected value tag 7 where an integer was expected at position 2");
-}
-
-// A stream that refuses every write.
 class TRefusingStream : public TMemoryStream {
  public:
   std::size_t Write(std::span<const std::byte>) override { return 0; }
 };
 
-TEST(TypedValueBuffers, ReaderLeavesTheStreamAtItsLogicalPositionAndWriterShowsAFailedFinalFlush) {
-  TMemoryStream read(Raw({0xAA, 2, 1, 2, 2, 2, 3}));
-  read.SetPosition(1);
-  {
-    TReader reader(read);
-    EXPECT_EQ((std::tuple{reader.ReadInteger(), reader.NextValue(), reader.Position()}),
-              std::tuple(1, TValueType::vaInt8, 3));
-    EXPECT_EQ(read.Position(), 7);  // the buffer has read ahead
-  }
-  EXPECT_EQ(read.Position(), 3);
-
-  // The writer flushes at its end, where a failure cannot leave: it is shown.
+// The writer flushes at its end, where a failure cannot leave: it is shown.
+TEST(TypedValueWriter, AFailedFinalFlushIsShown) {
   CapturedMessages messages;
   {
     TRefusingStream refusing;
