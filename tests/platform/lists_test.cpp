@@ -34,7 +34,7 @@ TStringList ListOf(std::initializer_list<String> lines) {
 
 std::vector<void*> Items(const TList& list) { return {list.begin(), list.end()}; }
 
-TEST(PointerList, KeepsOrderThroughInsertDeleteExchangeAndRemoveAndRefusesBadIndexes) {
+TEST(Lists, KeepOrderAndObjectsThroughInsertDeleteExchangeAndRemoveAndRefuseBadIndexes) {
   int a = 0, b = 0, c = 0, d = 0;
   TList list;
   list.Add(&a);
@@ -59,23 +59,20 @@ TEST(PointerList, KeepsOrderThroughInsertDeleteExchangeAndRemoveAndRefusesBadInd
   TList empty;
   EXPECT_THAT([&] { empty.First(); }, OutOfBounds(0));
   EXPECT_THAT([&] { empty.Last(); }, OutOfBounds(-1));
-}
 
-TEST(StringList, ObjectsTravelWithTheirLinesAndBadIndexesRaise) {
-  int one = 1, two = 2;
-  TStringList list;
-  list.AddObject(u"one", &one);
-  list.Add(u"none");
-  list.InsertObject(0, u"two", &two);
-  list.Exchange(0, 2);
-  EXPECT_EQ(Lines(list), (Texts{u"none", u"one", u"two"}));
-  EXPECT_EQ(std::tuple(list.Objects(0), list.Objects(1), list.Objects(2)), std::tuple(nullptr, &one, &two));
-  list.Delete(0);
-  EXPECT_EQ(list.Objects(0), &one);
-  EXPECT_THAT([&] { list.Get(2); }, OutOfBounds(2));
-  EXPECT_THAT([&] { list.Insert(3, u"x"); }, OutOfBounds(3));
-  EXPECT_THAT([&] { list.Names(-1); }, OutOfBounds(-1));
-  EXPECT_EQ(list.ValueFromIndex(-1), u"");  // a negative index is "not found", not an error
+  TStringList strings;
+  strings.AddObject(u"one", &a);
+  strings.Add(u"none");
+  strings.InsertObject(0, u"two", &b);
+  strings.Exchange(0, 2);
+  EXPECT_EQ(Lines(strings), (Texts{u"none", u"one", u"two"}));
+  EXPECT_EQ(std::tuple(strings.Objects(0), strings.Objects(1), strings.Objects(2)), std::tuple(nullptr, &a, &b));
+  strings.Delete(0);
+  EXPECT_EQ(strings.Objects(0), &a);
+  EXPECT_THAT([&] { strings.Get(2); }, OutOfBounds(2));
+  EXPECT_THAT([&] { strings.Insert(3, u"x"); }, OutOfBounds(3));
+  EXPECT_THAT([&] { strings.Names(-1); }, OutOfBounds(-1));
+  EXPECT_EQ(strings.ValueFromIndex(-1), u"");  // a negative index is "not found", not an error
 }
 
 TEST(StringList, IndexOfIgnoresCaseUnlessCaseSensitiveNameValueLinesAndSortedListsApplyDuplicates) {

@@ -94,7 +94,7 @@ TEST(ObjectModel, DeclarationsGiveEnumerationNamesStoredAccessAndDefaultsAndDesc
   EXPECT_FALSE(TPersistent::StaticClassInfo().CanCreate());
 }
 
-TEST(ObjectModel, TypedAccessGoesThroughFieldsAndMethodsAndIsRefusedAgainstKindDirectionOrClass) {
+TEST(ObjectModel, TypedAccessIsRefusedAgainstKindDirectionOrClassAndHandlesResolveOnlyToLiveObjectsNeverReused) {
   TSample sample;
   const auto prop = [&](StringView name) { return sample.ClassType().FindProperty(name); };
   prop(u"Count")->SetOrd(sample, 42);
@@ -120,9 +120,7 @@ TEST(ObjectModel, TypedAccessGoesThroughFieldsAndMethodsAndIsRefusedAgainstKindD
   EXPECT_EQ(sample.Next, nullptr);
   EXPECT_THAT([&] { other.Assign(&sample); },
               testing::ThrowsMessage<EConvertError>("Cannot assign a TSample to a TPersistent"));
-}
 
-TEST(ObjectHandles, NumbersResolveOnlyToLiveObjectsAndAreNeverReused) {
   auto* first = new TSample;
   const int32_t handle = ObjectHandles::HandleOf(first);
   EXPECT_TRUE(handle > 0 && ObjectHandles::ObjectOf(handle) == first);

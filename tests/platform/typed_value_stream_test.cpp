@@ -20,18 +20,13 @@ using ReaderAction = std::function<void(TReader&)>;
 
 std::span<const std::byte> Raw(const Bytes& bytes) { return std::as_bytes(std::span(bytes)); }
 
-Bytes ContentOf(const TMemoryStream& stream) {
-  const auto* memory = reinterpret_cast<const uint8_t*>(stream.Memory().data());
-  return Bytes(memory, memory + stream.Memory().size());
-}
-
 Bytes Written(const std::function<void(TWriter&)>& write, std::size_t buffer_size = 64) {
   TMemoryStream stream;
-  {
-    TWriter writer(stream, buffer_size);
-    write(writer);
-  }
-  return ContentOf(stream);
+  TWriter writer(stream, buffer_size);
+  write(writer);
+  writer.FlushBuffer();
+  const auto* memory = reinterpret_cast<const uint8_t*>(stream.Memory().data());
+  return Bytes(memory, memory + stream.Memory().size());
 }
 
 TExtendedBytes Extended(const Bytes& bytes) {
@@ -51,7 +46,7 @@ String ReadErrorOf(const Bytes& bytes, const ReaderAction& read) {
   return u"(no error)";
 }
 
-TEST(TypedValueWriter, ValuesTakeTheSmallestTagAndTheFormTheirTextNeeds) {
+TEST(TypedValueStream, ValuesTakeTheSmallestTagEveryWriterMethodRoundTripsAndTruncationAtEveryByteRaisesReadError) {
   EXPECT_EQ(Written([](TWriter& w) {
               for (int64_t value : {-128, 127, 128, -32769}) w.WriteInteger(value);
               w.WriteInteger(int64_t{1} << 31);
@@ -122,9 +117,7 @@ void ReadMixed(TReader& reader) {
   reader.ReadListEnd();
   EXPECT_TRUE(reader.EndOfList());  // "Null" was written as the null tag, as the platform did
   EXPECT_EQ(reader.ReadIdent(), u"Null");
-}
 
-TEST(TypedValueStream, EveryWriterMethodRoundTripsAndTruncationAtEveryByteRaisesReadError) {
   const Bytes whole = Written(WriteMixed);
   EXPECT_EQ(Written(WriteMixed, 8), whole);
   {
@@ -152,7 +145,6 @@ Bytes Nested(const Bytes& opening, int depth, const Bytes& closing) {
   return bytes;
 }
 
-// Calls one reader method and drops what it returns.
 template <auto Method>
 void Call(TReader& reader) {
   (void)(reader.*Method)();
@@ -225,8 +217,8 @@ TEST(TypedValueReader, ReadsEveryTagSkipsWhatItDoesNotNeedAndErrorsNameTheTagThe
 }
 
 TEST(ExtendedFloat, DecodesToTheNearestEvenDoubleOrItsDenormalsAndInfinityAndEveryDoubleRoundTripsExactly) {
-  constexpr double kInfinity = std::numeric_limits<double>::infinity();
-  constexpr double kDenormMin = std::numeric_limits<double>::denorm_min();
+  using L = std::numeric_limits<double>;
+  const double kInfinity = L::infinity(), kDenormMin = L::denorm_min();
   const std::pair<Bytes, double> cases[] = {
       {{0, 0, 0, 0, 0, 0, 0, 0, 0, 0x80}, -0.0},
       {{1, 0, 0, 0, 0, 0, 0, 0, 0, 0}, 0.0},  // the smallest extended denormal is far below double's
@@ -241,20 +233,16 @@ TEST(ExtendedFloat, DecodesToTheNearestEvenDoubleOrItsDenormalsAndInfinityAndEve
       {{0xFF, 0xFF, 0xFF, 0xFF, 0xFF, 0xFF, 0xFF, 0xFF, 0xFF, 0x3F}, 2.0},
       {{0xFF, 0xFF, 0xFF, 0xFF, 0xFF, 0xFF, 0xFF, 0xFF, 0xFE, 0x43}, kInfinity},
   };
-  for (std::size_t i = 0; i < std::size(cases); ++i) {
-    EXPECT_EQ(std::bit_cast<uint64_t>(ExtendedToDouble(Extended(cases[i].first))),
-              std::bit_cast<uint64_t>(cases[i].second))
-        << "case " << i;
-  }
+  for (const auto& [bytes, expected] : cases)
+    EXPECT_EQ(std::bit_cast<uint64_t>(ExtendedToDouble(Extended(bytes))), std::bit_cast<uint64_t>(expected))
+        << expected;
   EXPECT_TRUE(std::isnan(ExtendedToDouble(Extended({1, 0, 0, 0, 0, 0, 0, 0x80, 0xFF, 0x7F}))));  // low payload only
 
   EXPECT_EQ(DoubleToExtended(1.0), Extended({0, 0, 0, 0, 0, 0, 0, 0x80, 0xFF, 0x3F}));
-  using L = std::numeric_limits<double>;
   for (double value : {0.0, -0.0, 0.1, -L::max(), L::min(), std::nextafter(L::min(), 0.0), L::denorm_min(),
-                       3 * L::denorm_min(), L::infinity(), -L::quiet_NaN()}) {
+                       3 * L::denorm_min(), L::infinity(), -L::quiet_NaN()})
     EXPECT_EQ(std::bit_cast<uint64_t>(ExtendedToDouble(DoubleToExtended(value))), std::bit_cast<uint64_t>(value))
         << value;
-  }
 }
 
 class TRefusingStream : public TMemoryStream {
