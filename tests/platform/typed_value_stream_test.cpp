@@ -46,36 +46,6 @@ String ReadErrorOf(const Bytes& bytes, const ReaderAction& read) {
   return u"(no error)";
 }
 
-TEST(TypedValueStream, ValuesTakeTheSmallestTagEveryWriterMethodRoundTripsAndTruncationAtEveryByteRaisesReadError) {
-  EXPECT_EQ(Written([](TWriter& w) {
-              for (int64_t value : {-128, 127, 128, -32769}) w.WriteInteger(value);
-              w.WriteInteger(int64_t{1} << 31);
-            }),
-            (Bytes{2, 0x80, 2, 0x7F, 3, 0x80, 0x00, 4, 0xFF, 0x7F, 0xFF, 0xFF, 19, 0, 0, 0, 0x80, 0, 0, 0, 0}));
-  EXPECT_EQ(Written([](TWriter& w) { w.WriteString(u"Žák"); }), (Bytes{6, 3, 0x8E, 0xE1, 'k'}));
-  EXPECT_EQ(Written([](TWriter& w) { w.WriteString(String(255, u'a')); }).size(), 2u + 255u);
-  const Bytes long_text = Written([](TWriter& w) { w.WriteString(String(256, u'a')); });
-  EXPECT_EQ(Bytes(long_text.begin(), long_text.begin() + 5), (Bytes{12, 0, 1, 0, 0}));
-  // Text that Windows-1250 cannot carry goes as UTF-16, whatever its length.
-  EXPECT_EQ(Written([](TWriter& w) { w.WriteString(u"a中"); }), (Bytes{18, 2, 0, 0, 0, 'a', 0, 0x2D, 0x4E}));
-  EXPECT_EQ(Written([](TWriter& w) {
-              w.WriteSignature("VSK0");
-              for (StringView ident : {u"alClient", u"TRUE", u"nil"}) w.WriteIdent(ident);
-              w.WriteBoolean(false);
-              w.WriteInt64(-1);  // always the 64-bit tag
-              w.WriteUTF8String(u"č");
-              w.WriteChar(u'€');
-            }),
-            (Bytes{'V',  'S',  'K',  '0',  7,    8,    'a',  'l',  'C', 'l', 'i', 'e', 'n', 't',  9,    13, 8, 19,
-                   0xFF, 0xFF, 0xFF, 0xFF, 0xFF, 0xFF, 0xFF, 0xFF, 20,  2,   0,   0,   0,   0xC4, 0x8D, 6,  1, 0x80}));
-
-  TMemoryStream stream;
-  TWriter writer(stream);
-  EXPECT_THROW(writer.WriteSignature("VSK"), EWriteError);
-  EXPECT_THROW(writer.WriteIdent(String(256, u'x')), EWriteError);
-  EXPECT_EQ(writer.Position(), 0);  // nothing of a refused value was written
-}
-
 const String kCzech = u"Příliš žluťoučký kůň";
 const String kBeyond1250 = u"ω and 中 \U0001F600";
 const String kLongCzech(300, u'ř');  // a long string, and longer than the buffers of both sides
@@ -117,6 +87,36 @@ void ReadMixed(TReader& reader) {
   reader.ReadListEnd();
   EXPECT_TRUE(reader.EndOfList());  // "Null" was written as the null tag, as the platform did
   EXPECT_EQ(reader.ReadIdent(), u"Null");
+}
+
+TEST(TypedValueStream, ValuesTakeTheSmallestTagEveryWriterMethodRoundTripsAndTruncationAtEveryByteRaisesReadError) {
+  EXPECT_EQ(Written([](TWriter& w) {
+              for (int64_t value : {-128, 127, 128, -32769}) w.WriteInteger(value);
+              w.WriteInteger(int64_t{1} << 31);
+            }),
+            (Bytes{2, 0x80, 2, 0x7F, 3, 0x80, 0x00, 4, 0xFF, 0x7F, 0xFF, 0xFF, 19, 0, 0, 0, 0x80, 0, 0, 0, 0}));
+  EXPECT_EQ(Written([](TWriter& w) { w.WriteString(u"Žák"); }), (Bytes{6, 3, 0x8E, 0xE1, 'k'}));
+  EXPECT_EQ(Written([](TWriter& w) { w.WriteString(String(255, u'a')); }).size(), 2u + 255u);
+  const Bytes long_text = Written([](TWriter& w) { w.WriteString(String(256, u'a')); });
+  EXPECT_EQ(Bytes(long_text.begin(), long_text.begin() + 5), (Bytes{12, 0, 1, 0, 0}));
+  // Text that Windows-1250 cannot carry goes as UTF-16, whatever its length.
+  EXPECT_EQ(Written([](TWriter& w) { w.WriteString(u"a中"); }), (Bytes{18, 2, 0, 0, 0, 'a', 0, 0x2D, 0x4E}));
+  EXPECT_EQ(Written([](TWriter& w) {
+              w.WriteSignature("VSK0");
+              for (StringView ident : {u"alClient", u"TRUE", u"nil"}) w.WriteIdent(ident);
+              w.WriteBoolean(false);
+              w.WriteInt64(-1);  // always the 64-bit tag
+              w.WriteUTF8String(u"č");
+              w.WriteChar(u'€');
+            }),
+            (Bytes{'V',  'S',  'K',  '0',  7,    8,    'a',  'l',  'C', 'l', 'i', 'e', 'n', 't',  9,    13, 8, 19,
+                   0xFF, 0xFF, 0xFF, 0xFF, 0xFF, 0xFF, 0xFF, 0xFF, 20,  2,   0,   0,   0,   0xC4, 0x8D, 6,  1, 0x80}));
+
+  TMemoryStream stream;
+  TWriter writer(stream);
+  EXPECT_THROW(writer.WriteSignature("VSK"), EWriteError);
+  EXPECT_THROW(writer.WriteIdent(String(256, u'x')), EWriteError);
+  EXPECT_EQ(writer.Position(), 0);  // nothing of a refused value was written
 
   const Bytes whole = Written(WriteMixed);
   EXPECT_EQ(Written(WriteMixed, 8), whole);
