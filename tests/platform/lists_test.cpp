@@ -126,9 +126,9 @@ TEST(StringList, TextEndsEveryLineAndSplitsOnAnyLineBreakAndCommaTextQuotesWhatN
   EXPECT_EQ(list.Count(), 0);
 
   const auto split = [](StringView text) {
-    TStringList list;
-    list.SetCommaText(text);
-    return Lines(list);
+    TStringList parts;
+    parts.SetCommaText(text);
+    return Lines(parts);
   };
   const TStringList quoted = ListOf({u"plain", u"two words", u"a,b", u"say \"hi\"", u"", u"tab\there", u"ř"});
   EXPECT_EQ(quoted.CommaText(), u"plain,\"two words\",\"a,b\",\"say \"\"hi\"\"\",,\"tab\there\",ř");

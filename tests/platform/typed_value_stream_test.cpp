@@ -112,8 +112,8 @@ TEST(TypedValueStream, ValuesTakeTheSmallestTagEveryWriterMethodRoundTripsAndTru
             (Bytes{'V',  'S',  'K',  '0',  7,    8,    'a',  'l',  'C', 'l', 'i', 'e', 'n', 't',  9,    13, 8, 19,
                    0xFF, 0xFF, 0xFF, 0xFF, 0xFF, 0xFF, 0xFF, 0xFF, 20,  2,   0,   0,   0,   0xC4, 0x8D, 6,  1, 0x80}));
 
-  TMemoryStream stream;
-  TWriter writer(stream);
+  TMemoryStream refused;
+  TWriter writer(refused);
   EXPECT_THROW(writer.WriteSignature("VSK"), EWriteError);
   EXPECT_THROW(writer.WriteIdent(String(256, u'x')), EWriteError);
   EXPECT_EQ(writer.Position(), 0);  // nothing of a refused value was written
