@@ -8,6 +8,7 @@
 #include "kernel/elements/class_lookup.h"
 #include "kernel/elements/elements_unit.h"
 #include "kernel/models/models_unit.h"
+#include "kernel/tools/tools_unit.h"
 #include "kernel/types/types_unit.h"
 
 namespace veska {
@@ -21,6 +22,7 @@ constexpr UnitClasses kStartUpTable[] = {
     kSystemRegisterUnitClasses,
     kElementModelUnitClasses,
     kToolModelUnitClasses,
+    kToolsUnitClasses,
 };
 
 void RegisterLibraryUnits(TVeskaClasses& registry) {

@@ -51,3 +51,7 @@
 #include "kernel/models/models_unit.h"
 #include "kernel/models/system_register.h"
 #include "kernel/models/tool_model.h"
+
+// Tools.
+#include "kernel/tools/tool.h"
+#include "kernel/tools/tools_unit.h"

@@ -10,34 +10,14 @@
 #include "kernel/platform/message_sink.h"
 #include "kernel/platform/object_handles.h"
 #include "tests/support/elements_members.h"
+#include "tests/support/recording_host.h"
 
 namespace veska {
 namespace {
 
 using test::Named;
+using test::RecordingHost;
 using Texts = std::vector<String>;
-
-// A message as "number sender>receiver data text", with the elements' names and "-" for none.
-String Summary(const TVeskaMessage& message) {
-  const auto name = [](const TElement* element) { return element != nullptr ? element->GetName() : String(u"-"); };
-  return IntToStr(message.Message) + u" " + name(message.Sender) + u">" + name(message.Receiver) + u" " +
-         name(message.Data) + u" " + message.GetPropertyStringByName(u"Text");
-}
-
-// Current while it lives; takes every message of this library, records it and frees it, as the
-// world's dispatcher does.
-struct RecordingHost : TApplication {
-  RecordingHost() {
-    SetApplication(this);
-    SetWindowProc([this](TWindowMessage& message) {
-      std::unique_ptr<TVeskaMessage> taken(
-          TVeskaMessage::FromWindowMessage(message.Msg, message.WParam, message.LParam));
-      if (taken != nullptr) delivered.push_back(Summary(*taken));
-      return taken != nullptr;
-    });
-  }
-  Texts delivered;
-};
 
 // Notes its name in `heard` when a message is offered to it; one named "fails" then fails and
 // one named "handles" handles it.

@@ -1,0 +1,142 @@
+#include "kernel/tools/tool.h"
+
+#include <gtest/gtest.h>
+
+#include <memory>
+#include <thread>
+
+#include "kernel/classes/registry.h"
+#include "kernel/elements/property_access.h"
+#include "kernel/platform/exceptions.h"
+#include "kernel/tools/tools_unit.h"
+#include "tests/support/elements_members.h"
+#include "tests/support/recording_host.h"
+
+namespace veska {
+namespace {
+
+using test::Named;
+using test::RecordingHost;
+using Texts = std::vector<String>;
+
+// A progress message with its figures, any other as the plain summary.
+String ProgressSummary(const TVeskaMessage& message) {
+  const auto* progress = ObjectAs<const TProgressMessage>(const_cast<TVeskaMessage*>(&message));
+  if (progress == nullptr) return test::Summary(message);
+  return IntToStr(progress->Message) + u" " + progress->ProcessName + u" " + IntToStr(progress->MinProgress) + u".." +
+         IntToStr(progress->Progress) + u".." + IntToStr(progress->MaxProgress);
+}
+
+// A tool that may refuse to quit and can set the second break bit.
+class TTestTool : public TResultTool {
+  VESKA_CLASS(TTestTool, TResultTool, u"tool_test")
+ public:
+  bool may_quit = true;
+  bool IsPossibleToQuit() override { return may_quit; }
+  void RequestBreakTwice() { Put(ToolState::BreakSecondRequest, true); }
+};
+
+TEST(Tool, QuittingClearsTheRunningBitAndTellsTheOwnersUnlessRefused) {
+  RecordingHost host;
+  std::unique_ptr<TOwnerEntity> owner(Named<TOwnerEntity>(u"owner"));
+  auto* tool = Named<TTestTool>(u"tool", {owner.get()});
+  tool->DoIt();
+  TVeskaMessage quit(tm_QuitTask, nullptr, tool, nullptr, false);
+  bool handled = false;
+  for (bool may_quit : {false, true}) {
+    tool->may_quit = may_quit;
+    tool->HandleMessage(&quit, handled);
+    host.ProcessMessages();
+    EXPECT_EQ(tool->IsRunning(), !may_quit);
+  }
+  EXPECT_EQ(host.delivered, Texts{u"1 tool>owner - "});  // from the second quit only
+
+  // Either break bit reads as a break; withdrawing it clears both.
+  tool->RequestBreakTwice();
+  EXPECT_TRUE(tool->GetBreak());
+  tool->SetPropertyStringByName(u"BreakWork", u"True");
+  tool->SetPropertyStringByName(u"BreakWork", u"False");
+  EXPECT_EQ(tool->State(), 0);
+}
+
+TEST(Tool, ProgressIsPostedOnlyOnceStartedOnTheMainThreadAndEndsWithTheTool) {
+  RecordingHost host(&ProgressSummary);
+  std::unique_ptr<TTool> tool(Named<TTool>(u"tool"));
+  tool->SetProgress(1);  // not started: nothing
+  std::thread([&] { tool->StartProgress(u"elsewhere", 0, 9); }).join();
+  tool->SetNoProgress(true);
+  tool->StartProgress(u"muted", 0, 9);
+  tool->SetMaxProgress(5);
+  EXPECT_TRUE(host.delivered.empty());
+
+  tool->SetNoProgress(false);
+  tool->StartProgress(u"Načítání", 1, 200);  // delivered at once: the host's queue is processed
+  EXPECT_EQ(host.delivered, Texts{u"10 Načítání 1..0..200"});
+  tool->SetProgress(50);
+  tool->SetMaxProgress(300);
+  tool->SetProgressText(u"půlka");
+  tool.reset();
+  EXPECT_EQ(host.delivered, (Texts{u"10 Načítání 1..0..200", u"11  0..50..0", u"12  0..0..300", u"14 tool>- - půlka",
+                                   u"13 tool>- - "}));
+}
+
+TEST(Tool, ZeroActivityWaitsForHighActivityToEnd) {
+  RecordingHost host;
+  std::unique_ptr<TTool> tool(Named<TTool>(u"tool"));
+  tool->SetHighActivity(true);
+  EXPECT_FALSE(tool->ReadyForZeroActivity());
+  tool->SetHighActivity(false);
+  host.ProcessMessages();
+  EXPECT_EQ(host.delivered, Texts{u"30 tool>tool - "});
+}
+
+TEST(Tool, ANamedParameterReplacesTheOneOfItsName) {
+  TTool tool;
+  for (StringView value : {u"1", u"2"}) {
+    auto* parameter = Named<TStringEntity>(u"Speed");
+    parameter->Value = String(value);
+    SetObjectPropByName(&tool, u"NextParameter", parameter);
+  }
+  EXPECT_EQ(static_cast<TStringEntity*>(tool.GetNameParameter(u"Speed"))->Value, u"2");
+}
+
+// Values go into the tool unless the property model only links; each property model's links are
+// taken by the indices of the property list, so a missing one raises and extra ones never run.
+TEST(Tool, ItsModelSetsItUpAndTakesItsValuesBack) {
+  RecordingHost host;
+  TTestTool tool;
+  tool.SetName(u"tool");
+  tool.CreateSelfByModel();
+  host.ProcessMessages();
+  EXPECT_EQ(host.delivered, Texts{u"8 tool>- - Tool: tool class: TTestTool Has no model!"});
+
+  auto* model = new TToolModel;
+  model->SetName(u"tool");
+  model->ElementClassName = u"TTestTool";
+  model->DynamicTool = true;
+  tool.SetSelfModel(model);
+  model->GetModelProperties()->SetPropertyStringByName(u"Result", u"set");
+  model->GetModelProperties()->SetPropertyStringByName(u"Error", u"7");
+  model->GetLastPropertyModel()->LinkOnly = true;
+  tool.CreateSelfByModel();
+  EXPECT_EQ(tool.Result + u"|" + IntToStr(tool.Error) + u"|" + tool.GetPropertyStringByName(u"DynamicTool"),
+            u"set|0|True");
+
+  tool.Error = 9;
+  tool.UpdateModel();
+  EXPECT_EQ(model->GetLastPropertyModel()->Value, u"9");
+  model->GetLastPropertyModel()->SetNewDestinationLink(model->GetModelProperties()->PropertyModel(u"Result"));
+  EXPECT_THROW(tool.CreateSelfByModel(), EListError);
+  EXPECT_EQ(tool.Result, u"9");  // the link of the link-only property model ran first
+}
+
+TEST(ToolsUnit, RegistersItsClassesInOrderAfterTheToolModel) {
+  int32_t expected_id = VeskaClasses().GetVeskaClassByName(u"TToolModel")->ID;
+  for (const ClassInfoSource class_info : kToolsUnitClasses.classes) {
+    const TVeskaClass* record = VeskaClasses().GetVeskaClassByName(class_info().Name());
+    EXPECT_EQ(record != nullptr ? record->ID : -1, ++expected_id) << ToUtf8(class_info().Name());
+  }
+}
+
+}  // namespace
+}  // namespace veska
