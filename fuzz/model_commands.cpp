@@ -1,8 +1,10 @@
-// Drives a model with a script of property writes and reads, as files and scripts drive models:
-// commands of the inheritance root (NewClassName, FindClassName, DeleteActualItem, ...), the
-// element and tool models (NewPropertyName, NewSourceLink, NewToolName, ...) and the system
-// register, with steps into the parts that object-valued properties hand out and writes of the
-// reference numbers of objects seen on the way, so that links and nodes meet in any order.
+// Drives a model or a technology with a script of property writes and reads, as files and
+// scripts drive them: commands of the inheritance root (NewClassName, FindClassName,
+// DeleteActualItem, ...), the element and tool models (NewPropertyName, NewSourceLink,
+// NewToolName, ...), the system register and technologies (NewToolByModel, SelfModel, ...),
+// with steps into the parts that object-valued properties hand out, writes of the reference
+// numbers of objects seen on the way, so that links and nodes meet in any order, and runs of the
+// tools reached.
 //
 // Each command is three bytes (what to do, which property, how many bytes of text follow) and
 // the text.
@@ -12,25 +14,31 @@
 #include "fuzz/fuzz_input.h"
 #include "kernel/elements/property_access.h"
 #include "kernel/models/models_unit.h"
+#include "kernel/platform/application.h"
 #include "kernel/platform/message_sink.h"
 #include "kernel/platform/object_handles.h"
+#include "kernel/tools/technology.h"
 
 namespace {
 
 using namespace veska;
 
-enum class Command { Write, WriteReference, ReadAll, StepInto, BackToRoot, Count };
+enum class Command { Write, WriteReference, ReadAll, StepInto, BackToRoot, SetUpAndRun, Count };
 
 TElement* CreateRoot(fuzz::FuzzInput& input) {
-  switch (input.Choose(4)) {
+  switch (input.Choose(6)) {
     case 0:
       return new TSystemRegister;
     case 1:
       return new TRegisterClassModels;
     case 2:
       return new TElementModel;
-    default:
+    case 3:
       return new TToolModel;
+    case 4:
+      return new TSeqTechnology;
+    default:
+      return new TSelectTechnology;
   }
 }
 
@@ -83,6 +91,13 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
         if (TObject* part = GetObjectPropByName(target, name)) {
           current = part;
           seen.emplace_back(part);
+        }
+        break;
+      case Command::SetUpAndRun:
+        if (auto* tool = ObjectAs<TTool>(target)) {
+          tool->CreateSelfByModel();
+          tool->DoIt();
+          Application().ProcessMessages();
         }
         break;
       case Command::BackToRoot:

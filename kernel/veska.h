@@ -53,5 +53,6 @@
 #include "kernel/models/tool_model.h"
 
 // Tools.
+#include "kernel/tools/technology.h"
 #include "kernel/tools/tool.h"
 #include "kernel/tools/tools_unit.h"

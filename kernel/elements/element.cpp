@@ -11,6 +11,7 @@
 #include "kernel/elements/property_access.h"
 #include "kernel/platform/checked_arithmetic.h"
 #include "kernel/platform/message_sink.h"
+#include "kernel/platform/object_handles.h"
 #include "kernel/platform/typed_value_stream.h"
 
 namespace veska {
@@ -289,10 +290,17 @@ int64_t ReadOrdinalByName(const TElement& element, StringView name) {
   return property->GetOrd(element);
 }
 
+// An object-valued property takes the number as the object's reference number, as its text
+// form does.
 bool WriteOrdinalByName(TElement& element, StringView name, int64_t value) {
   const PropInfo* property = element.ClassType().FindProperty(name);
   if (property == nullptr) return false;
-  if (property->CanWrite() && property->Family() == ValueFamily::Ordinal) property->SetOrd(element, value);
+  if (!property->CanWrite()) return true;
+  if (property->Family() == ValueFamily::Ordinal) {
+    property->SetOrd(element, value);
+  } else if (property->Family() == ValueFamily::Object) {
+    property->SetObj(element, ObjectHandles::ObjectOf(value));
+  }
   return true;
 }
 

@@ -26,7 +26,7 @@ TTool::~TTool() {
   }
 }
 
-void TTool::Put(ToolState bit, bool on) {
+void TTool::SetFlag(ToolState bit, bool on) {
   const auto mask = static_cast<uint16_t>(bit);
   state_ = on ? static_cast<uint16_t>(state_ | mask) : static_cast<uint16_t>(state_ & ~mask);
 }
@@ -85,35 +85,35 @@ void TTool::SetSelfModel(TToolModel* model) {
 
 void TTool::SetBreak(bool value) {
   if (value) {
-    Put(ToolState::BreakRequest, true);
+    SetFlag(ToolState::BreakRequest, true);
   } else {
-    Put(ToolState::BreakRequest, false);
-    Put(ToolState::BreakSecondRequest, false);
+    SetFlag(ToolState::BreakRequest, false);
+    SetFlag(ToolState::BreakSecondRequest, false);
   }
 }
 
 void TTool::SetHighActivity(bool value) {
   const bool ends = GetHighActivity() && !value;
-  Put(ToolState::HighActivity, value);
+  SetFlag(ToolState::HighActivity, value);
   if (ends && GetZeroActivity()) PostMsg(tm_HighActivityEnded, this, nullptr, false);
 }
 
 // Zero activity is asked for in any case; while high activity is on it waits, and the end of
 // high activity announces that it may be entered now.
 bool TTool::ReadyForZeroActivity() {
-  Put(ToolState::ZeroActivity, true);
+  SetFlag(ToolState::ZeroActivity, true);
   return !GetHighActivity();
 }
 
-void TTool::EndZeroActivity() { Put(ToolState::ZeroActivity, false); }
+void TTool::EndZeroActivity() { SetFlag(ToolState::ZeroActivity, false); }
 
-void TTool::DoIt() { Put(ToolState::Running, true); }
+void TTool::DoIt() { SetFlag(ToolState::Running, true); }
 
 bool TTool::IsPossibleToQuit() { return true; }
 
 void TTool::on_tm_QuitTask(TVeskaMessage* /*message*/) {
   if (!IsPossibleToQuit()) return;
-  Put(ToolState::Running, false);
+  SetFlag(ToolState::Running, false);
   PostMsgToOwners(tm_EndTask, nullptr, false);
 }
 
@@ -189,7 +189,7 @@ void TTool::StartProgress(const String& name, int32_t min, int32_t max) {
   message->MinProgress = min;
   message->MaxProgress = max;
   message->Post();
-  Put(ToolState::InProgress, true);
+  SetFlag(ToolState::InProgress, true);
   Application().ProcessMessages();
 }
 
@@ -207,7 +207,7 @@ void TTool::SetMaxProgress(int32_t max) { PostProgress(tm_MaxProgress, &TProgres
 void TTool::EndProgress() {
   if (!GetInProgress()) return;
   PostMsg(tm_EndProgress, nullptr, nullptr, false);
-  Put(ToolState::InProgress, false);
+  SetFlag(ToolState::InProgress, false);
   Application().ProcessMessages();
 }
 

@@ -127,21 +127,21 @@ class TTool : public TOwnerEntity {
   TToolModel* GetSelfModel();
   void SetSelfModel(TToolModel* model);
 
-  bool GetBusy() const { return Has(ToolState::Busy); }
-  void SetBusy(bool value) { Put(ToolState::Busy, value); }
-  bool GetIdle() const { return Has(ToolState::Idle); }
-  void SetIdle(bool value) { Put(ToolState::Idle, value); }
-  bool GetZeroActivity() const { return Has(ToolState::ZeroActivity); }
-  void SetZeroActivity(bool value) { Put(ToolState::ZeroActivity, value); }
-  bool GetHighActivity() const { return Has(ToolState::HighActivity); }
+  bool GetBusy() const { return HasFlag(ToolState::Busy); }
+  void SetBusy(bool value) { SetFlag(ToolState::Busy, value); }
+  bool GetIdle() const { return HasFlag(ToolState::Idle); }
+  void SetIdle(bool value) { SetFlag(ToolState::Idle, value); }
+  bool GetZeroActivity() const { return HasFlag(ToolState::ZeroActivity); }
+  void SetZeroActivity(bool value) { SetFlag(ToolState::ZeroActivity, value); }
+  bool GetHighActivity() const { return HasFlag(ToolState::HighActivity); }
   // Ending high activity while zero activity waits posts message 30 to the tool itself.
   void SetHighActivity(bool value);
-  bool GetInProgress() const { return Has(ToolState::InProgress); }
-  void SetInProgress(bool value) { Put(ToolState::InProgress, value); }
-  bool GetBreak() const { return Has(ToolState::BreakRequest) || Has(ToolState::BreakSecondRequest); }
-  bool GetNoProgress() const { return Has(ToolState::NoProgress); }
-  void SetNoProgress(bool value) { Put(ToolState::NoProgress, value); }
-  bool IsRunning() const { return Has(ToolState::Running); }
+  bool GetInProgress() const { return HasFlag(ToolState::InProgress); }
+  void SetInProgress(bool value) { SetFlag(ToolState::InProgress, value); }
+  bool GetBreak() const { return HasFlag(ToolState::BreakRequest) || HasFlag(ToolState::BreakSecondRequest); }
+  bool GetNoProgress() const { return HasFlag(ToolState::NoProgress); }
+  void SetNoProgress(bool value) { SetFlag(ToolState::NoProgress, value); }
+  bool IsRunning() const { return HasFlag(ToolState::Running); }
   uint16_t State() const { return state_; }
   void SetDynamicTool(bool value) { DynamicTool = value; }
   void SetClient(bool value) { Client = value; }
@@ -158,8 +158,8 @@ class TTool : public TOwnerEntity {
   static void Publish(Publisher<TTool>& p);
 
  protected:
-  bool Has(ToolState bit) const { return (state_ & static_cast<uint16_t>(bit)) != 0; }
-  void Put(ToolState bit, bool on);
+  bool HasFlag(ToolState bit) const { return (state_ & static_cast<uint16_t>(bit)) != 0; }
+  void SetFlag(ToolState bit, bool on);
 
  private:
   void PostProgress(int32_t message, void (TProgressMessage::*set)(int32_t), int32_t value);

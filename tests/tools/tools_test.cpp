@@ -1,4 +1,4 @@
-#include "kernel/tools/tool.h"
+#include "kernel/tools/technology.h"
 
 #include <gtest/gtest.h>
 
@@ -8,6 +8,7 @@
 #include "kernel/classes/registry.h"
 #include "kernel/elements/property_access.h"
 #include "kernel/platform/exceptions.h"
+#include "kernel/tools/tool.h"
 #include "kernel/tools/tools_unit.h"
 #include "tests/support/elements_members.h"
 #include "tests/support/recording_host.h"
@@ -33,7 +34,7 @@ class TTestTool : public TResultTool {
  public:
   bool may_quit = true;
   bool IsPossibleToQuit() override { return may_quit; }
-  void RequestBreakTwice() { Put(ToolState::BreakSecondRequest, true); }
+  void RequestBreakTwice() { SetFlag(ToolState::BreakSecondRequest, true); }
 };
 
 TEST(Tool, QuittingClearsTheRunningBitAndTellsTheOwnersUnlessRefused) {
@@ -136,6 +137,95 @@ TEST(ToolsUnit, RegistersItsClassesInOrderAfterTheToolModel) {
     const TVeskaClass* record = VeskaClasses().GetVeskaClassByName(class_info().Name());
     EXPECT_EQ(record != nullptr ? record->ID : -1, ++expected_id) << ToUtf8(class_info().Name());
   }
+}
+
+// Remembers what it worked on, puts itself out as its result, and may ask for a break.
+class TStepTool : public TTool {
+  VESKA_CLASS(TStepTool, TTool, u"technology_test")
+ public:
+  TElement* worked_on = nullptr;
+  void DoIt() override {
+    TTool::DoIt();
+    worked_on = GetInput();
+    SetOutput(this);
+    SetBreak(GetName() == u"breaks");
+  }
+};
+
+// A technology of three step tools, made from its model as a file or script makes them.
+template <class Technology>
+std::unique_ptr<Technology> MadeFromModel(std::initializer_list<StringView> tool_classes, bool dynamic = false) {
+  [[maybe_unused]] static const bool registered = (RegisterVeskaClass<TStepTool>(), true);
+  std::unique_ptr<Technology> technology(Named<Technology>(u"technology"));
+  auto* model = new TToolModel;
+  model->SetPropertyStringByName(u"DynamicTool", dynamic ? u"True" : u"False");
+  for (StringView tool_class : tool_classes) {
+    model->SetPropertyStringByName(u"NewToolName", u"step" + IntToStr(model->GetModelTools()->ElementsCount()));
+    model->GetLastToolModel()->SetPropertyStringByName(u"ElementClassName", String(tool_class));
+  }
+  technology->SetSelfModel(model);
+  technology->CreateSelfByModel();
+  return technology;
+}
+
+TEST(Technology, ASequenceRunsEveryToolOnThePreviousOnesOutput) {
+  auto sequence = MadeFromModel<TSeqTechnology>({u"TStepTool", u"TStepTool", u"TStepTool"});
+  ASSERT_EQ(sequence->ToolCount(), 3);
+  sequence->GetTool(0)->SetName(u"breaks");  // asks for a break, which nothing in a sequence heeds
+  TNameElement input;
+  sequence->SetInput(&input);
+  sequence->DoIt();
+  const auto step = [&](int i) { return static_cast<TStepTool*>(sequence->GetTool(i)); };
+  EXPECT_EQ(step(0)->worked_on, &input);
+  EXPECT_EQ(step(2)->worked_on, step(1));
+  EXPECT_EQ(sequence->GetOutput(), step(2));
+  EXPECT_EQ(sequence->GetInput(), step(2));
+  EXPECT_EQ(step(2)->GetParameters(), sequence->GetParameters());  // shared
+  sequence->SetActiveToolIndex(5);
+  EXPECT_EQ(sequence->GetActiveToolIndex(), -1);
+}
+
+TEST(Technology, ModelsOfUnknownClassesOrOfNoToolsAreReportedAndSkipped) {
+  test::RecordingHost host;
+  auto technology = MadeFromModel<TTechnology>({u"TNoSuchTool", u"TEntity", u"TStepTool"});
+  host.ProcessMessages();
+  EXPECT_EQ(host.delivered,
+            (Texts{u"8 technology>- - Unknown class: TNoSuchTool", u"8 technology>- - Class: TEntity is not a Tool"}));
+  ASSERT_EQ(technology->ToolCount(), 1);
+  EXPECT_EQ(technology->GetTool(0)->GetName(), u"step2");
+  EXPECT_EQ(MadeFromModel<TTechnology>({u"TStepTool"}, true)->ToolCount(), 0);  // dynamic: later
+
+  // A tool that ended its task is freed.
+  TVeskaMessage end(tm_EndTask, technology->GetTool(0), technology.get(), nullptr, false);
+  bool handled = false;
+  technology->HandleMessage(&end, handled);
+  EXPECT_EQ(technology->ToolCount(), 0);
+}
+
+// Without a tool at SelIndex the else tool runs, which a model attaches by its property name.
+TEST(Technology, ASelectionRunsTheToolAtItsIndexOrElseTheElseTool) {
+  auto selection = MadeFromModel<TSelectTechnology>({u"TStepTool", u"TStepTool"});
+  auto* else_model = Named<TToolModel>(u"else", {selection->GetSelfModel()->GetModelTools()});
+  else_model->ElementClassName = u"TStepTool";
+  else_model->AttachToPropertyName = u"ElseTool";
+  selection->CreateToolByModel(else_model);
+  ASSERT_NE(selection->GetElseTool(), nullptr);
+  for (int32_t index : {1, 3, -1}) {
+    selection->SelIndex = index;
+    selection->DoIt();
+    EXPECT_EQ(selection->GetOutput(), index == 1 ? selection->GetTool(1) : selection->GetElseTool()) << index;
+  }
+  EXPECT_FALSE(selection->IsRunning());
+}
+
+// Quitting asks until the first refusal; zero activity asks every tool.
+TEST(Technology, QuestionsGoToItsTools) {
+  auto technology = MadeFromModel<TTechnology>({u"TStepTool", u"TStepTool"});
+  static_cast<TTool*>(technology->GetTool(0))->SetHighActivity(true);
+  EXPECT_FALSE(technology->ReadyForZeroActivity());
+  EXPECT_TRUE(static_cast<TTool*>(technology->GetTool(1))->GetZeroActivity());
+  EXPECT_TRUE(CreateAndExecuteTool(u"TStepTool", nullptr));
+  EXPECT_FALSE(CreateAndExecuteTool(u"TEntity", nullptr));
 }
 
 }  // namespace
