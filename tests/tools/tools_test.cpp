@@ -20,7 +20,6 @@ using test::Named;
 using test::RecordingHost;
 using Texts = std::vector<String>;
 
-// A progress message with its figures, any other as the plain summary.
 String ProgressSummary(const TVeskaMessage& message) {
   const auto* progress = ObjectAs<const TProgressMessage>(const_cast<TVeskaMessage*>(&message));
   if (progress == nullptr) return test::Summary(message);
@@ -218,12 +217,19 @@ TEST(Technology, ASelectionRunsTheToolAtItsIndexOrElseTheElseTool) {
   EXPECT_FALSE(selection->IsRunning());
 }
 
-// Quitting asks until the first refusal; zero activity asks every tool.
+// Zero activity asks every tool, and ends for every tool.
 TEST(Technology, QuestionsGoToItsTools) {
   auto technology = MadeFromModel<TTechnology>({u"TStepTool", u"TStepTool"});
   static_cast<TTool*>(technology->GetTool(0))->SetHighActivity(true);
   EXPECT_FALSE(technology->ReadyForZeroActivity());
-  EXPECT_TRUE(static_cast<TTool*>(technology->GetTool(1))->GetZeroActivity());
+  auto* second = static_cast<TTool*>(technology->GetTool(1));
+  EXPECT_TRUE(second->GetZeroActivity());
+  technology->EndZeroActivity();
+  EXPECT_FALSE(second->GetZeroActivity());
+  SetObjectPropByName(technology.get(), u"ActiveTool", second);
+  EXPECT_EQ(GetObjectPropByName(technology.get(), u"ActiveTool"), second);
+  technology->DestroyDynamicPart();  // values back into the models, then the tools go
+  EXPECT_EQ(technology->ToolCount(), 0);
   EXPECT_TRUE(CreateAndExecuteTool(u"TStepTool", nullptr));
   EXPECT_FALSE(CreateAndExecuteTool(u"TEntity", nullptr));
 }
