@@ -117,26 +117,17 @@ void TTool::on_tm_QuitTask(TVeskaMessage* /*message*/) {
   PostMsgToOwners(tm_EndTask, nullptr, false);
 }
 
+// Messages 0-3 of the task protocol go to their hooks, in the order of their numbers.
 void TTool::HandleMessage(TVeskaMessage* message, bool& handled) {
+  static constexpr void (TTool::*kTaskHooks[])(TVeskaMessage*) = {&TTool::on_tm_StartTask, &TTool::on_tm_EndTask,
+                                                                  &TTool::on_tm_QuitTask, &TTool::on_tm_Done};
   handled = false;
   TOwnerEntity::HandleMessage(message, handled);
   if (handled || message == nullptr) return;
-  switch (message->Message) {
-    case tm_StartTask:
-      on_tm_StartTask(message);
-      break;
-    case tm_EndTask:
-      on_tm_EndTask(message);
-      break;
-    case tm_QuitTask:
-      on_tm_QuitTask(message);
-      break;
-    case tm_Done:
-      on_tm_Done(message);
-      break;
-    default:
-      break;
-  }
+  const int32_t number = message->Message;
+  if (number < tm_StartTask || number > tm_Done) return;
+  const auto hook = kTaskHooks[number];
+  (this->*hook)(message);
 }
 
 // The model's property values go into the tool's properties of their names (unless a property
