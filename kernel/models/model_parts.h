@@ -27,6 +27,18 @@ class CachedPart {
   TElement* part_ = nullptr;
 };
 
+// The cached part, or a new Part added to the holder's elements (under that name, when one is
+// given) and cached.  Unlike FindOrCreatePart it does not look for a part already there.
+template <class Part>
+Part* CachedOrAddedPart(TEntity& holder, CachedPart<Part>& cache, StringView name = {}) {
+  if (Part* part = cache.Get(holder)) return part;
+  auto* part = new Part;
+  if (!name.empty()) part->SetName(String(name));
+  holder.AddElement(part);
+  cache.Set(part);
+  return part;
+}
+
 // The part of that name, created as a Part and added when there is none.  None when an element
 // of that name is there but is not a Part: a file may hold anything under any name.
 template <class Part>

@@ -21,17 +21,10 @@ void TRegisterPropertyModel::Publish(Publisher<TRegisterPropertyModel>& p) {
   p.Field(u"Editor", &TRegisterPropertyModel::Editor);
 }
 
-TOwnerEntity* TRegisterClassModel::OwnPart(CachedPart<TOwnerEntity>& cache, StringView name) {
-  if (TOwnerEntity* part = cache.Get(*this)) return part;
-  auto* part = new TOwnerEntity;
-  part->SetName(String(name));
-  AddElement(part);
-  cache.Set(part);
-  return part;
+TOwnerEntity* TRegisterClassModel::GetPropertyModels() {
+  return CachedOrAddedPart(*this, property_models_, u"PROPERTY MODELS");
 }
-
-TOwnerEntity* TRegisterClassModel::GetPropertyModels() { return OwnPart(property_models_, u"PROPERTY MODELS"); }
-TOwnerEntity* TRegisterClassModel::GetShell() { return OwnPart(shell_, u"SHELL"); }
+TOwnerEntity* TRegisterClassModel::GetShell() { return CachedOrAddedPart(*this, shell_, u"SHELL"); }
 
 void TRegisterClassModel::Publish(Publisher<TRegisterClassModel>& p) {
   using Self = TRegisterClassModel;

@@ -50,8 +50,6 @@ class TRegisterClassModel : public TInheritanceModel {
   static void Publish(Publisher<TRegisterClassModel>& p);
 
  private:
-  TOwnerEntity* OwnPart(CachedPart<TOwnerEntity>& cache, StringView name);
-
   CachedPart<TOwnerEntity> property_models_;
   CachedPart<TOwnerEntity> shell_;
 };

@@ -9,13 +9,7 @@ namespace veska {
 
 // --- TTechnology --------------------------------------------------------------------------------
 
-TTools* TTechnology::GetTools() {
-  if (TTools* tools = tools_.Get(*this)) return tools;
-  auto* tools = new TTools;
-  AddElement(tools);
-  tools_.Set(tools);
-  return tools;
-}
+TTools* TTechnology::GetTools() { return CachedOrAddedPart(*this, tools_); }
 
 bool TTechnology::GetNoTools() {
   TTools* tools = tools_.Get(*this);

@@ -31,13 +31,7 @@ void TTool::SetFlag(ToolState bit, bool on) {
   state_ = on ? static_cast<uint16_t>(state_ | mask) : static_cast<uint16_t>(state_ & ~mask);
 }
 
-TParameters* TTool::GetParameters() {
-  if (TParameters* parameters = parameters_.Get(*this)) return parameters;
-  auto* parameters = new TParameters;
-  AddElement(parameters);
-  parameters_.Set(parameters);
-  return parameters;
-}
+TParameters* TTool::GetParameters() { return CachedOrAddedPart(*this, parameters_); }
 
 void TTool::SetParameters(TParameters* parameters) {
   if (TParameters* present = parameters_.Get(*this)) FreeElement(present);
