@@ -23,6 +23,7 @@ constexpr UnitClasses kStartUpTable[] = {
     kElementModelUnitClasses,
     kToolModelUnitClasses,
     kToolsUnitClasses,
+    kWorldsUnitClasses,
 };
 
 void RegisterLibraryUnits(TVeskaClasses& registry) {

@@ -56,3 +56,4 @@
 #include "kernel/tools/technology.h"
 #include "kernel/tools/tool.h"
 #include "kernel/tools/tools_unit.h"
+#include "kernel/tools/world.h"

@@ -7,9 +7,12 @@
 
 #include "kernel/classes/registry.h"
 #include "kernel/elements/property_access.h"
+#include "kernel/platform/date_time.h"
 #include "kernel/platform/exceptions.h"
+#include "kernel/platform/message_sink.h"
 #include "kernel/tools/tool.h"
 #include "kernel/tools/tools_unit.h"
+#include "kernel/tools/world.h"
 #include "tests/support/elements_members.h"
 #include "tests/support/recording_host.h"
 
@@ -225,6 +228,74 @@ TEST(Technology, QuestionsGoToItsTools) {
   EXPECT_EQ(technology->ToolCount(), 0);
   EXPECT_TRUE(CreateAndExecuteTool(u"TStepTool", nullptr));
   EXPECT_FALSE(CreateAndExecuteTool(u"TEntity", nullptr));
+}
+
+// A main tool that notes the messages it is handed, and fails on message 7.
+class TListeningTechnology : public TSeqTechnology {
+  VESKA_CLASS(TListeningTechnology, TSeqTechnology, u"tools_test")
+ public:
+  Texts heard;
+  void HandleMessage(TVeskaMessage* message, bool& handled) override {
+    if (message->Message == 7) throw Exception(u"sedmička");
+    heard.push_back(IntToStr(message->Message) + u">" + message->Receiver->GetName());
+    TSeqTechnology::HandleMessage(message, handled);
+  }
+};
+
+// Posted messages go to their receiver, else to the main tool, and are freed in every case;
+// what a receiver throws is shown as the world's error.
+TEST(World, DeliversPostedMessagesAndShowsTheErrorsThatReachIt) {
+  TApplication host;
+  SetApplication(&host);
+  CapturedMessages shown;
+  {
+    TWorld world;
+    ASSERT_EQ(World, &world);
+    world.PostMsg(5, nullptr, nullptr, false);  // no receiver, no main tool: freed unread
+    host.ProcessMessages();
+    auto* main_tool = Named<TListeningTechnology>(u"main");
+    world.SetMainTool(main_tool);
+    for (int32_t message : {5, 7}) world.PostMsg(message, nullptr, nullptr, false);
+    main_tool->PostMsg(6, main_tool, nullptr, false);
+    host.ProcessMessages();
+    EXPECT_EQ(main_tool->heard, (Texts{u"5>main", u"6>main"}));
+    EXPECT_EQ(world.GetObjectClasses(), &VeskaClasses());
+    EXPECT_EQ(world.GetObjectClasses()->GetName(), u"ObjectClasses");
+  }
+  EXPECT_EQ(World, nullptr);
+  EXPECT_EQ(shown.Texts(), Texts{u"World Level Error :sedmička"});
+  SetApplication(nullptr);
+}
+
+TEST(World, PartsAreMadeOnceAndReplacedOnesAreFreed) {
+  TWorld world;
+  TSystemRegister* system_register = world.GetSysReg();
+  EXPECT_EQ(world.GetSysReg(), system_register);
+  EXPECT_EQ(
+      system_register->GetName() + u"|" + world.GetWorkPlace()->GetName() + u"|" + world.GetObjectModel()->GetName(),
+      u"System register|Work place|Object model");
+  EXPECT_EQ(world.GetMainTool(), nullptr);
+  const WeakRef<TTechnology> first(new TTechnology);
+  world.SetMainTool(first.Get());
+  world.SetMainTool(new TTechnology);
+  EXPECT_EQ(first.Get(), nullptr);
+  EXPECT_EQ(world.ElementsCount(), 4);
+}
+
+// The year and month views set the 14th (of December for a year), deliberately.
+TEST(World, TheWatchTimeViewsSetTheFourteenth) {
+  TWorld world;
+  const auto watch_time = [&] { return world.GetPropertyStringByName(u"LifeCycleWatchTimeString"); };
+  world.SetPropertyStringByName(u"LifeCycleWatchTimeYear", u"2030");
+  EXPECT_EQ(world.GetLifeCycleWatchTime(), EncodeDate(2030, 12, 14));
+  for (StringView month : {u"3", u"13", u"0"}) world.SetPropertyStringByName(u"LifeCycleWatchTimeMonth", String(month));
+  EXPECT_EQ(world.GetLifeCycleWatchTime(), EncodeDate(2030, 3, 14));
+  world.SetPropertyStringByName(u"LifeCycleWatchTimeString", u"2031-05-01");
+  EXPECT_EQ(world.GetLifeCycleWatchTime(), EncodeDate(2031, 5, 1)) << ToUtf8(watch_time());
+  world.SetPropertyStringByName(u"LifeCycleWatchTimeString", u"nikdy");
+  EXPECT_EQ(world.GetPropertyStringByName(u"LifeCycleWatchTimeYear"), u"0");
+  world.SetLifeCycleWatchTimeMonth(4);  // no time: nothing to change
+  EXPECT_EQ(world.GetLifeCycleWatchTime(), 0);
 }
 
 }  // namespace
