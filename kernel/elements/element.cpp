@@ -168,26 +168,30 @@ class SeenElements {
   std::unordered_set<const TElement*> many_;
 };
 
-// The three questions an owner walk can put to each element it reaches.
-enum class OwnerQuestion { Class, ClassWithOwner, FirstClassWithOwner };
+// The questions an owner walk can put to each element it reaches.
+enum class OwnerQuestion { Class, ClassWithOwner, FirstClassWithOwner, Element };
 
 struct OwnerWalk {
   OwnerQuestion question;
-  const ClassInfo& cls;
-  const TEntity* entity;
+  const ClassInfo* cls = nullptr;     // the class questions
+  const TEntity* entity = nullptr;    // the two with an owner
+  const TElement* element = nullptr;  // the element question
 
-  OwnerStep StepAt(const TElement& element, OwnerQuestion asked) const {
-    const bool of_class = element.InheritsFrom(cls);
+  OwnerStep StepAt(const TElement& reached, OwnerQuestion asked) const {
+    if (asked == OwnerQuestion::Element) return &reached == element ? OwnerStep::Answer : OwnerStep::Climb;
+    const bool of_class = reached.InheritsFrom(*cls);
     switch (asked) {
       case OwnerQuestion::Class:
         return of_class ? OwnerStep::Answer : OwnerStep::Climb;
       case OwnerQuestion::ClassWithOwner:
-        if (of_class && element.IsMyOwner(entity)) return OwnerStep::Answer;
+        if (of_class && reached.IsMyOwner(entity)) return OwnerStep::Answer;
         // An envelope of the class answers for itself alone.
-        return of_class && element.Is<TEnvelopeEntity>() ? OwnerStep::PassBy : OwnerStep::Climb;
+        return of_class && reached.Is<TEnvelopeEntity>() ? OwnerStep::PassBy : OwnerStep::Climb;
       case OwnerQuestion::FirstClassWithOwner:
         if (!of_class) return OwnerStep::Climb;
-        return element.IsMyOwner(entity) ? OwnerStep::Answer : OwnerStep::PassBy;
+        return reached.IsMyOwner(entity) ? OwnerStep::Answer : OwnerStep::PassBy;
+      case OwnerQuestion::Element:
+        break;
     }
     return OwnerStep::PassBy;
   }
@@ -227,16 +231,18 @@ TElement* ClimbOwners(TElement* start, const OwnerWalk& walk) {
 
 }  // namespace
 
-TElement* TElement::FindClassInOwners(const ClassInfo& cls) {
-  return ClimbOwners(this, {OwnerQuestion::Class, cls, nullptr});
-}
+TElement* TElement::FindClassInOwners(const ClassInfo& cls) { return ClimbOwners(this, {OwnerQuestion::Class, &cls}); }
 
 TElement* TElement::FindClassWithOwnerInOwners(const ClassInfo& cls, const TEntity* entity) {
-  return ClimbOwners(this, {OwnerQuestion::ClassWithOwner, cls, entity});
+  return ClimbOwners(this, {OwnerQuestion::ClassWithOwner, &cls, entity});
 }
 
 TElement* TElement::FindFirstClassWithOwnerInOwners(const ClassInfo& cls, const TEntity* entity) {
-  return ClimbOwners(this, {OwnerQuestion::FirstClassWithOwner, cls, entity});
+  return ClimbOwners(this, {OwnerQuestion::FirstClassWithOwner, &cls, entity});
+}
+
+bool TElement::IsInOwners(const TElement* element) {
+  return element != nullptr && ClimbOwners(this, {OwnerQuestion::Element, nullptr, nullptr, element}) != nullptr;
 }
 
 bool TElement::IsPossibleToFree() {

@@ -84,6 +84,10 @@ class TElement : public TPersistent {
   virtual TElement* FindClassWithOwnerInOwners(const ClassInfo& cls, const TEntity* entity);
   virtual TElement* FindFirstClassWithOwnerInOwners(const ClassInfo& cls, const TEntity* entity);
   virtual bool IsPossibleToFree();
+  // Whether the element is this one or one reached from it through the owners (an envelope
+  // leading to the entity it wraps).  Placing such an element below this one would make it hold
+  // itself, which nothing could ever free.
+  bool IsInOwners(const TElement* element);
   virtual void ResetID();
   virtual void ResetIDs();
 

@@ -40,7 +40,7 @@ TElement* TModelLink::HoldingPropertyModel() { return FindClassInOwners(TPropert
 // holder, and neither could ever be freed.
 void TModelLink::LinkTo(TElement* element) {
   FreeAll();
-  if (element != nullptr && !IsSelfOrAbove(this, element)) AddElement(element);
+  if (element != nullptr && !IsInOwners(element)) AddElement(element);
 }
 
 // A property end gives the value of the property that its model names, read from the source's
@@ -64,7 +64,7 @@ void TModelLink::Link() {
   if (destination_kind == LinkEnd::Property) {
     destination_instance->SetPropertyStringByName(destination->GetName(), value);
   } else if (auto* entity = ObjectAs<TEntity>(destination_instance)) {
-    if (entity->IndexOf(source_instance) < 0 && !IsSelfOrAbove(entity, source_instance)) {
+    if (entity->IndexOf(source_instance) < 0 && !entity->IsInOwners(source_instance)) {
       entity->AddElement(source_instance);
     }
   }
@@ -88,7 +88,7 @@ bool TPropertyModel::GetNoLinks() { return PartIsEmpty(*this, kLinksPart); }
 
 template <class Link>
 void TPropertyModel::AddLink(TElement* element) {
-  if (element == nullptr || IsSelfOrAbove(this, element)) return;
+  if (element == nullptr || IsInOwners(element)) return;
   TOwnerEntity* links = GetLinks();
   if (links == nullptr) return;
   auto* link = new Link;

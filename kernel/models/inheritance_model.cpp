@@ -44,7 +44,7 @@ TElement* TInheritanceModel::GetItem(int index) { return GetItems()->Get(index);
 // children.  The descent keeps its path on the heap, as a loaded tree may be deep, and enters
 // each node once, as a loaded tree may hold a cycle.
 void TInheritanceModel::SetNextItem(TInheritanceModel* item) {
-  if (item == nullptr || IsSelfOrAbove(this, item)) return;
+  if (item == nullptr || IsInOwners(item)) return;
   struct Level {
     TInheritanceModel* node;
     int next_index;
@@ -62,7 +62,7 @@ void TInheritanceModel::SetNextItem(TInheritanceModel* item) {
     auto* child = ObjectAs<TInheritanceModel>(items->Get(level.next_index--));
     if (child == nullptr) continue;
     if (ClassInherits(child->class_, item->class_)) {
-      if (IsSelfOrAbove(item, child)) continue;
+      if (item->IsInOwners(child)) continue;
       items->RemoveElement(child);
       item->AddItem(child);
     } else if (ClassInherits(item->class_, child->class_) && entered.insert(child).second) {

@@ -7,11 +7,6 @@
 
 namespace veska {
 
-// Whether the candidate is the element itself or one of the elements above it (through its
-// owners, and from an envelope to the entity it wraps).  Placing such a candidate below the
-// element would make the element hold itself, which nothing could ever free.
-bool IsSelfOrAbove(TElement* element, const TElement* candidate);
-
 // A part that its holder remembers once found or made.  It is taken while it is still one of
 // the holder's members: a part freed or taken away since reads as none, and a member is alive,
 // so its class can be asked.
@@ -27,14 +22,22 @@ class CachedPart {
   TElement* part_ = nullptr;
 };
 
-// The cached part, or a new Part added to the holder's elements (under that name, when one is
-// given) and cached.  Unlike FindOrCreatePart it does not look for a part already there.
+// Adds a new Member of that name to the part and returns it; nothing when there is no part.
+template <class Member>
+Member* AddNewMember(TEntity* part, StringView name) {
+  if (part == nullptr) return nullptr;
+  auto* member = new Member;
+  member->SetName(String(name));
+  part->AddElement(member);
+  return member;
+}
+
+// The cached part, or a new Part added to the holder's elements under that name and cached.
+// Unlike FindOrCreatePart it does not look for a part already there.
 template <class Part>
 Part* CachedOrAddedPart(TEntity& holder, CachedPart<Part>& cache, StringView name = {}) {
   if (Part* part = cache.Get(holder)) return part;
-  auto* part = new Part;
-  if (!name.empty()) part->SetName(String(name));
-  holder.AddElement(part);
+  Part* part = AddNewMember<Part>(&holder, name);
   cache.Set(part);
   return part;
 }
@@ -51,26 +54,16 @@ inline TEntity* ExistingPart(TEntity& holder, StringView name) {
   return ObjectAs<TEntity>(holder.FindElementName(String(name)));
 }
 
-// Whether the part is missing or holds nothing; asking does not create it.
-inline bool PartIsEmpty(TEntity& holder, StringView name) {
-  TEntity* part = ExistingPart(holder, name);
-  return part == nullptr || part->ElementsCount() == 0;
-}
-
-// Adds a new Member of that name to the part; nothing when there is no part.
-template <class Member>
-void AddNewMember(TEntity* part, const String& name) {
-  if (part == nullptr) return;
-  auto* member = new Member;
-  member->SetName(name);
-  part->AddElement(member);
-}
+// Whether the part is missing or holds nothing.
+inline bool PartIsEmpty(TEntity* part) { return part == nullptr || part->ElementsCount() == 0; }
+// The same for the part of that name; asking does not create it.
+inline bool PartIsEmpty(TEntity& holder, StringView name) { return PartIsEmpty(ExistingPart(holder, name)); }
 
 // The last member of the part, when it is a Member; none when the part is missing or empty.
 template <class Member>
 Member* LastMemberOfPart(TEntity& holder, StringView name) {
   TEntity* part = ExistingPart(holder, name);
-  if (part == nullptr || part->ElementsCount() == 0) return nullptr;
+  if (PartIsEmpty(part)) return nullptr;
   return ObjectAs<Member>(part->Get(part->GetLastIndex()));
 }
 

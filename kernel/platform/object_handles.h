@@ -29,8 +29,8 @@ class ObjectHandles {
 };
 
 // A reference that does not keep its object: it holds the object's handle and reads as none
-// once the object is destroyed, so a holder that does not own what it points at (a cached
-// part, a selected item) never reaches a freed object.
+// once the object is destroyed, so a holder that does not own what it points at (a selected
+// item, a tool's input) never reaches a freed object.
 template <class T>
 class WeakRef {
  public:

@@ -11,10 +11,7 @@ namespace veska {
 
 TTools* TTechnology::GetTools() { return CachedOrAddedPart(*this, tools_); }
 
-bool TTechnology::GetNoTools() {
-  TTools* tools = tools_.Get(*this);
-  return tools == nullptr || tools->ElementsCount() == 0;
-}
+bool TTechnology::GetNoTools() { return PartIsEmpty(tools_.Get(*this)); }
 
 template <class Action>
 void TTechnology::ForEachTool(Action action) {

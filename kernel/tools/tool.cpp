@@ -39,10 +39,7 @@ void TTool::SetParameters(TParameters* parameters) {
   if (parameters != nullptr) AddElement(parameters);
 }
 
-bool TTool::GetNoParameters() {
-  TParameters* parameters = parameters_.Get(*this);
-  return parameters == nullptr || parameters->ElementsCount() == 0;
-}
+bool TTool::GetNoParameters() { return PartIsEmpty(parameters_.Get(*this)); }
 
 void TTool::AddParameter(TElement* element) { GetParameters()->AddElement(element); }
 TElement* TTool::GetParameter(int index) { return GetParameters()->Get(index); }

@@ -4,6 +4,7 @@
 
 #include "kernel/classes/registry.h"
 #include "kernel/models/models_unit.h"
+#include "tests/support/elements_members.h"
 
 namespace veska {
 namespace {
@@ -126,9 +127,7 @@ TEST(InheritanceModel, NoNodeEndsInsideItselfAndDeepModelsAreWalkedAndFreedOnThe
 
 TEST(SystemRegister, PartsAreFoundByNameOrMadeOnceButAClassModelMakesItsOwn) {
   TSystemRegister system_register;
-  auto* loaded = new TRegisterClassModels;
-  loaded->SetName(u"CLASS MODELS");
-  system_register.AddElement(loaded);
+  auto* loaded = test::Named<TRegisterClassModels>(u"CLASS MODELS", {&system_register});
   EXPECT_EQ(system_register.GetClassModels(), loaded);
   EXPECT_EQ(system_register.GetImages(), system_register.GetImages());
   EXPECT_EQ(system_register.ElementsCount(), 2);
@@ -143,9 +142,7 @@ TEST(SystemRegister, PartsAreFoundByNameOrMadeOnceButAClassModelMakesItsOwn) {
 
   // Unlike every other part of the models, a class model's "PROPERTY MODELS" and "SHELL" are
   // made without a search by name, deliberately: one already there is not taken.
-  auto* loaded_part = new TOwnerEntity;
-  loaded_part->SetName(u"PROPERTY MODELS");
-  model->AddElement(loaded_part);
+  auto* loaded_part = test::Named<TOwnerEntity>(u"PROPERTY MODELS", {model});
   TOwnerEntity* property_models = model->GetPropertyModels();
   EXPECT_NE(property_models, loaded_part);
   EXPECT_EQ(model->GetPropertyModels(), property_models);

@@ -5,6 +5,7 @@
 #include "kernel/models/tool_model.h"
 #include "kernel/platform/object_handles.h"
 #include "kernel/text/string_numbers.h"
+#include "tests/support/elements_members.h"
 
 namespace veska {
 namespace {
@@ -38,10 +39,8 @@ class ModelledElements : public ::testing::Test {
 
 TEST_F(ModelledElements, TheInstanceIsTheFirstOwnerOfTheModelsNameAndClass) {
   const Modelled right = Add(u"Čerpadlo", u"tstringentity");
-  auto* wrong_class = new TOwnerEntity;
-  wrong_class->SetName(u"Čerpadlo");
+  auto* wrong_class = test::Named<TOwnerEntity>(u"Čerpadlo", {&root_});
   wrong_class->AddElement(right.model);
-  root_.AddElement(wrong_class);
   right.model->SetName(u"čERPADLO");  // names compare ignoring case beyond ASCII too
   EXPECT_EQ(right.model->GetInstance(), right.instance);
   right.model->ElementClassName = u"TOwnerEntity";
@@ -63,9 +62,7 @@ TEST_F(ModelledElements, LinksCarryPropertyValuesAndInstancesBetweenInstances) {
 
   // A property model of another class is no end at all.
   source.instance->Value = u"43";
-  auto* special = new TTestPropertyModel;
-  special->SetName(u"Value");
-  source.model->GetModelProperties()->AddElement(special);
+  auto* special = test::Named<TTestPropertyModel>(u"Value", {source.model->GetModelProperties()});
   destination_value->SetNewSourceLink(special);
   LinkFirstOf(*destination_value);
   EXPECT_EQ(destination.instance->Value, u"42");

@@ -107,8 +107,7 @@ TEST(Tool, ItsModelSetsItUpAndTakesItsValuesBack) {
   host.ProcessMessages();
   EXPECT_EQ(host.delivered, Texts{u"8 tool>- - Tool: tool class: TTestTool Has no model!"});
 
-  auto* model = new TToolModel;
-  model->SetName(u"tool");
+  auto* model = Named<TToolModel>(u"tool");
   model->ElementClassName = u"TTestTool";
   model->DynamicTool = true;
   tool.SetSelfModel(model);
