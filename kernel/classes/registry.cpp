@@ -245,7 +245,9 @@ bool IsAscii(StringView name) {
 
 // Whether the record's name is its own and in ASCII, where the case-folded comparison of the
 // list and that of the name index agree.
-bool IsAsciiName(const TVeskaClass* record) { return record->StoredName() != nullptr && IsAscii(*record->StoredName()); }
+bool IsAsciiName(const TVeskaClass* record) {
+  return record->StoredName() != nullptr && IsAscii(*record->StoredName());
+}
 
 // Compares a name with a member's name.  Class records are compared with their stored name in
 // place: the search runs on every creation by class name, and copying names dominated it.
@@ -426,7 +428,13 @@ void InstallStartUpSequence(StartUpSequence sequence) {
   installed_start_up = sequence;
   // A registry created before the installation (from another unit's start-up code) is filled
   // now; its units' guards keep a second run from registering anything twice.
-  if (detail::process_registry.load(std::memory_order_acquire) != nullptr && sequence != nullptr) sequence(VeskaClasses());
+  if (detail::process_registry.load(std::memory_order_acquire) != nullptr && sequence != nullptr)
+    sequence(VeskaClasses());
+}
+
+bool TVeskaClass::IsPossibleToFree() {
+  const TVeskaClasses* process = detail::process_registry.load(std::memory_order_acquire);
+  return (process == nullptr || !IsMyOwner(process)) && TOwnerEntity::IsPossibleToFree();
 }
 
 void RegisterVeskaClass(const ClassInfo& element_class) { VeskaClasses().AddClass(element_class); }

@@ -48,6 +48,9 @@ class TVeskaClass : public TOwnerEntity {
   VESKA_CLASS(TVeskaClass, TOwnerEntity, kRegistryUnit)
  public:
   virtual bool GetPropertyStored(int index) const;
+  // A record of the process's registry lives as long as the registry: whatever other entity a
+  // script put it in only lets it go.
+  bool IsPossibleToFree() override;
   // Rebuilds the children: one TVeskaClassProperty per published property.
   virtual void ShowProperties();
   // The first property of that name, case ignored; -1 when none.
@@ -133,6 +136,10 @@ class TVeskaClasses : public TOwnerEntity {
   virtual const ClassInfo* GetClass(StringView name);
   // GetClass, raising EClassNotFound "Veska nenašel třídu " + name when unknown.
   virtual const ClassInfo* FindClass(StringView name);
+
+  // The registry lives until the process ends: a holder that is asked to free it (a world shows
+  // it as ObjectClasses, so a script can hand it to ElementToFree) only lets it go.
+  bool IsPossibleToFree() override { return false; }
 
   // The position of a record of that name, or -1; insert_index tells where a new record of
   // that name belongs, -1 meaning the end.

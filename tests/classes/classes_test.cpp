@@ -119,6 +119,20 @@ TEST(ClassRegistry, LookupsFollowChangesOfTheListAndRenamedRecords) {
   EXPECT_EQ(registry.GetVeskaClassByName(u"TOmega"), found >= 0 ? registry.Get(found) : nullptr);
 }
 
+// A world shows the registry to scripts, which may hand it to any entity's commands: the
+// registry and its records only leave such an entity, even one whose members do not know it.
+TEST(ClassRegistry, TheProcessRegistryAndItsRecordsOutliveTheEntitiesAScriptPutsThemIn) {
+  TVeskaClasses& registry = VeskaClasses();
+  const int32_t count = registry.ElementsCount();
+  {
+    TQuickEntity holder;
+    holder.PAddAllFrom(&registry);
+    holder.AddElement(&registry);
+    holder.SetElementToFree(&registry);
+  }
+  EXPECT_EQ(registry.ElementsCount(), count);
+}
+
 TEST(ClassRegistry, LibraryClassesAreRegisteredInUnitOrder) {
   static constexpr StringView kOrder[] = {
       u"TVeskaClass",   u"TVeskaClasses", u"TVeskaClassProperty", u"TElement",        u"TNameElement",
