@@ -21,14 +21,6 @@ void WriteLine(std::FILE* out, const String& text) {
   std::fputs(line.c_str(), out);
 }
 
-// The element of that class name, created as CreateElementByName does, which reports an unknown
-// name itself.
-std::unique_ptr<TElement> CreateElement(const String& class_name) {
-  std::unique_ptr<TElement> element(CreateElementByName(class_name));
-  if (!element) throw ReportedFailure();
-  return element;
-}
-
 String NoSuchProperty(const TObject& object, const String& name) {
   return object.ClassName() + u" has no property " + name;
 }
@@ -66,12 +58,20 @@ void AddMember(TElement& element, const String& class_and_name) {
   auto* entity = ObjectAs<TEntity>(&element);
   if (entity == nullptr) throw Exception(element.ClassName() + u" is not an entity and holds no elements");
   const std::size_t colon = class_and_name.find(u':');
-  std::unique_ptr<TElement> member = CreateElement(class_and_name.substr(0, colon));
+  std::unique_ptr<TElement> member = CreateShellElement(ToUtf8(class_and_name.substr(0, colon)));
   member->SetName(class_and_name.substr(colon + 1));
   entity->AddElement(member.release());
 }
 
-void RunStep(TElement& element, const ShellStep& step, std::FILE* out) {
+}  // namespace
+
+std::unique_ptr<TElement> CreateShellElement(const std::string& class_name) {
+  std::unique_ptr<TElement> element(CreateElementByName(FromUtf8(class_name)));
+  if (!element) throw ReportedFailure();
+  return element;
+}
+
+void RunShellStep(TElement& element, const ShellStep& step, std::FILE* out) {
   const String operand = FromUtf8(step.operand);
   switch (step.action) {
     case ShellStep::Action::Set:
@@ -93,8 +93,6 @@ void RunStep(TElement& element, const ShellStep& step, std::FILE* out) {
     }
   }
 }
-
-}  // namespace
 
 ShellScript ParseShellArguments(std::span<char* const> arguments) {
   if (arguments.empty()) throw UsageError("missing CLASS");
@@ -125,8 +123,8 @@ ShellScript ParseShellArguments(std::span<char* const> arguments) {
 }
 
 void RunElementShell(const ShellScript& script, std::FILE* out) {
-  const std::unique_ptr<TElement> element = CreateElement(FromUtf8(script.class_name));
-  for (const ShellStep& step : script.steps) RunStep(*element, step, out);
+  const std::unique_ptr<TElement> element = CreateShellElement(script.class_name);
+  for (const ShellStep& step : script.steps) RunShellStep(*element, step, out);
 }
 
 }  // namespace veska::cli

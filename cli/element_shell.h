@@ -2,9 +2,14 @@
 #pragma once
 
 #include <cstdio>
+#include <memory>
 #include <span>
 #include <string>
 #include <vector>
+
+namespace veska {
+class TElement;
+}
 
 namespace veska::cli {
 
@@ -18,6 +23,9 @@ namespace veska::cli {
 struct ShellStep {
   enum class Action { Set, Get, Add, Path, List } action;
   std::string operand;  // [PATH.]NAME=VALUE, NAME, CLASS:NAME or CMD
+
+  // Whether the step prints rather than changes the element.
+  bool Reads() const { return action == Action::Get || action == Action::Path || action == Action::List; }
 };
 
 struct ShellScript {
@@ -28,6 +36,14 @@ struct ShellScript {
 // Reads the arguments of "new" completely before anything runs, so that a mistake in the
 // command line (a missing operand, an unknown option, --add without a colon) is a UsageError.
 ShellScript ParseShellArguments(std::span<char* const> arguments);
+
+// The element of that class name, created as CreateElementByName creates it; an unknown name,
+// which the library reports itself through the message sink, raises ReportedFailure.
+std::unique_ptr<TElement> CreateShellElement(const std::string& class_name);
+
+// Runs one step on the element.  A property that does not exist, for reading or writing, raises
+// Exception.
+void RunShellStep(TElement& element, const ShellStep& step, std::FILE* out);
 
 // Creates the element and runs the steps in order.  A property that does not exist, for reading
 // or writing, raises Exception; an unknown class name, which the library reports itself through

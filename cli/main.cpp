@@ -3,6 +3,11 @@
 // Exit status: 0 on success, 1 when a command fails (the reason is on stderr), 2 for a mistake
 // in the command line.  Everything the program itself says on stderr begins with "veska: ";
 // texts of the library follow that prefix unchanged.
+//
+// The program is the host application of its own world: the world's main tool hands it what
+// tools report, so their progress shows as a bar on stderr (when it is a terminal and --quiet is
+// not given) and their text reports as lines there.
+#include <unistd.h>
 #include <veska/version.h>
 
 #include <cerrno>
@@ -10,20 +15,27 @@
 #include <cstring>
 #include <exception>
 #include <limits>
+#include <memory>
 #include <span>
 #include <string>
 #include <string_view>
 
 #include "cli/class_commands.h"
+#include "cli/console_host.h"
 #include "cli/element_shell.h"
+#include "cli/make_elements.h"
+#include "cli/tool_runner.h"
 #include "cli/usage_error.h"
+#include "kernel/classes/registry.h"
 #include "kernel/platform/exceptions.h"
 #include "kernel/platform/message_sink.h"
+#include "kernel/tools/host_technology.h"
+#include "kernel/tools/world.h"
 
 namespace {
 
 constexpr std::string_view kUsage =
-    "usage: veska COMMAND [ARGUMENTS]\n"
+    "usage: veska [-q] COMMAND [ARGUMENTS]\n"
     "\n"
     "commands:\n"
     "  version     print the library version\n"
@@ -38,11 +50,15 @@ constexpr std::string_view kUsage =
     "                --add CLASS:NAME  add a new named element of CLASS to it\n"
     "                --path CMD        print the result of a path command\n"
     "                --list CMD        print the lines of a path command's list\n"
+    "  run CLASS [ARG]...\n"
+    "              create a tool, make the writes of the arguments above, run it, print\n"
+    "              Output=CLASS:NAME and Error=N, then make the reads\n"
     "  help        print this text\n"
     "\n"
     "options:\n"
     "  -h, --help     print this text\n"
     "  -V, --version  print the library version\n"
+    "  -q, --quiet    show no progress (it shows only when stderr is a terminal)\n"
     "\n"
     "Exit status: 0 on success, 1 when a command fails, 2 for a mistake in the command line.\n";
 
@@ -67,6 +83,8 @@ constexpr Command kCommands[] = {
     // "new" checks its own arguments before it creates anything: they are a small language.
     {"new", "CLASS", 1, kAny,
      [](Operands operands) { veska::cli::RunElementShell(veska::cli::ParseShellArguments(operands), stdout); }},
+    {"run", "CLASS", 1, kAny,
+     [](Operands operands) { veska::cli::RunTool(veska::cli::ParseShellArguments(operands), stdout); }},
 };
 
 // The command an argument names; the options -h and -V are the commands help and version.
@@ -107,12 +125,40 @@ int CheckedOutput(int status) {
   return 1;
 }
 
+// The program's host application and world, with the program's own tool registered after the
+// library's classes; texts of the library go to the host while it lives.
+class ProgramWorld {
+ public:
+  explicit ProgramWorld(bool show_progress) : host_(stderr, show_progress) {
+    veska::SetApplication(&host_);
+    previous_sink_ = veska::SetMessageSink([this](const veska::String& text, veska::MessageKind) { host_.ShowLine(text); });
+    veska::RegisterVeskaClass<veska::cli::TMakeElements>();
+    world_ = std::make_unique<veska::TWorld>();
+    world_->SetMainTool(new veska::THostTechnology);
+  }
+  ~ProgramWorld() {
+    world_.reset();
+    veska::SetMessageSink(std::move(previous_sink_));
+    veska::SetApplication(nullptr);
+  }
+  ProgramWorld(const ProgramWorld&) = delete;
+  ProgramWorld& operator=(const ProgramWorld&) = delete;
+
+ private:
+  veska::cli::ConsoleHost host_;
+  veska::MessageSink previous_sink_;
+  std::unique_ptr<veska::TWorld> world_;
+};
+
 }  // namespace
 
 int main(int argc, char** argv) {
-  veska::SetMessageSink([](const veska::String& text, veska::MessageKind) { PrintError(veska::ToUtf8(text)); });
+  Operands arguments(argv + 1, static_cast<std::size_t>(argc > 0 ? argc - 1 : 0));
+  const bool quiet = !arguments.empty() && (arguments[0] == std::string_view("-q") || arguments[0] == std::string_view("--quiet"));
+  if (quiet) arguments = arguments.subspan(1);
+  ProgramWorld program(!quiet && isatty(fileno(stderr)) == 1);
   try {
-    Run(Operands(argv + 1, static_cast<std::size_t>(argc > 0 ? argc - 1 : 0)));
+    Run(arguments);
     return CheckedOutput(0);
   } catch (const veska::cli::UsageError& error) {
     PrintError(std::string(error.what()) + ". Try 'veska help'.");

@@ -53,6 +53,7 @@
 #include "kernel/models/tool_model.h"
 
 // Tools.
+#include "kernel/tools/host_technology.h"
 #include "kernel/tools/technology.h"
 #include "kernel/tools/tool.h"
 #include "kernel/tools/tools_unit.h"

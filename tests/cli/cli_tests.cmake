@@ -1,8 +1,10 @@
 # Tests of the veska program, whose output other tools read: each case runs one command line and
 # checks the exit status and the whole of stdout and stderr (regular expressions).
-#   veska_cli_case(<name> <status> <stdout regex> <stderr regex> [TO <file>] ARGS <argument>...)
+#   veska_cli_case(<name> <status> <stdout regex> <stderr regex> [TERMINAL] [TO <file>] ARGS <argument>...)
+# With TERMINAL the program runs on a pseudo-terminal, where stdout and stderr arrive together
+# (as the first regex sees them, with CR LF line ends).
 function(veska_cli_case name status stdout stderr)
-  cmake_parse_arguments(PARSE_ARGV 4 case "" "TO" "ARGS")
+  cmake_parse_arguments(PARSE_ARGV 4 case "TERMINAL" "TO" "ARGS")
   string(REPLACE ";" "\\;" arguments "${case_ARGS}")
   set(output_file "")
   if(case_TO)
@@ -10,7 +12,7 @@ function(veska_cli_case name status stdout stderr)
   endif()
   add_test(NAME cli.${name}
            COMMAND ${CMAKE_COMMAND} -DPROGRAM=$<TARGET_FILE:veska-cli> "-DARGS=${arguments}" -DSTATUS=${status}
-                   "-DSTDOUT=${stdout}" "-DSTDERR=${stderr}" ${output_file}
+                   "-DSTDOUT=${stdout}" "-DSTDERR=${stderr}" -DTERMINAL=${case_TERMINAL} ${output_file}
                    -P ${CMAKE_CURRENT_LIST_DIR}/run_cli_case.cmake)
 endfunction()
 
@@ -36,8 +38,25 @@ veska_cli_case(new_class_models 0 "^ActualClassName=TTypeElement\nTypeEditor\n$"
 veska_cli_case(new_tool_model 0 "^Speed\n1450\n$" ${none}
                ARGS new TToolModel NewPropertyName=Speed ModelProperties.Speed=1450 --list ModelProperties.ELEMENT.Name
                     --path LastPropertyModel.Value)
-veska_cli_case(help 0 "^usage: veska COMMAND" ${none} ARGS help)
-veska_cli_case(help_option 0 "^usage: veska COMMAND" ${none} ARGS -h)
+# A tool run: the writes, the run, Output and Error, then the reads.  A technology made from a
+# tool model through properties alone pipes the tool's output out, and reports the model's unknown
+# class as a line on stderr.
+veska_cli_case(run_tool 0 "^Output=TOwnerEntity:elements\nError=0\nAmount=3\n1\n2\n3\n$" ${none}
+               ARGS run TMakeElements Amount=3 ElementClass=TStringEntity --get Amount --list Output.ELEMENT.Name)
+veska_cli_case(run_technology_from_model 0 "^Output=TOwnerEntity:elements\nError=0\n1\n2\n$"
+               "^veska: Unknown class: TNothing\n$"
+               ARGS run TSeqTechnology --add TToolModel:pipeline SelfModel.NewToolName=make
+                    SelfModel.LastTool.ElementClassName=TMakeElements SelfModel.LastTool.NewPropertyName=Amount
+                    SelfModel.LastTool.ModelProperties.Amount=2 SelfModel.NewToolName=other
+                    SelfModel.LastTool.ElementClassName=TNothing --list Output.ELEMENT.Name)
+# Progress shows on a terminal only, as one line redrawn from its start and cleared at the end.
+set(bar "\rMaking 5000 TOwnerElement \\[")
+veska_cli_case(run_progress_bar 0
+               "^${bar}------------------------------\\]   0%.*${bar}##############################\\] 100%[^\r]*\r[^\r]*Output=TOwnerEntity:elements\r\nError=0\r\n$"
+               ${none} TERMINAL ARGS run TMakeElements Amount=5000)
+veska_cli_case(run_quiet 0 "^Output=TOwnerEntity:elements\r\nError=0\r\n$" ${none} TERMINAL ARGS --quiet run TMakeElements Amount=5000)
+veska_cli_case(help 0 "^usage: veska \\[-q\\] COMMAND" ${none} ARGS help)
+veska_cli_case(help_option 0 "^usage: veska \\[-q\\] COMMAND" ${none} ARGS -h)
 veska_cli_case(version 0 "^veska ${PROJECT_VERSION}\n$" ${none} ARGS version)
 veska_cli_case(version_option 0 "^veska ${PROJECT_VERSION}\n$" ${none} ARGS -V)
 
@@ -51,6 +70,10 @@ veska_cli_case(new_get_missing 1 "^$" "^veska: TNameElement has no property Foo\
 veska_cli_case(new_set_missing 1 "^$" "^veska: TNameElement has no property Foo\n$" ARGS new TNameElement Foo=1)
 veska_cli_case(new_set_through_nothing 1 "^$" "^veska: LastPropertyModel leads to no object\n$"
                ARGS new TElementModel LastPropertyModel.Value=1)
+veska_cli_case(run_not_a_tool 1 ${none} "^veska: Class: TEntity is not a Tool
+$" ARGS run TEntity)
+veska_cli_case(run_unknown_class 1 ${none} "^veska: Neregistrovaný element: TNothing
+$" ARGS run TNothing)
 veska_cli_case(output_full 1 ${none} "^veska: cannot write the output" TO /dev/full ARGS classes)
 
 # Mistakes in the command line: status 2, one line, and no command has run.
