@@ -1,6 +1,7 @@
 // What is safe from any thread once start-up is over: looking up classes by name, creating
 // elements by class name, property access by name on elements only that thread touches,
-// object references written as numbers, and posting messages, which the main thread delivers.
+// object references written as numbers, and posting messages, which the world delivers on the
+// main thread.
 // Built with ThreadSanitizer as well (scripts/test-threads.sh), which turns any race into a
 // failure.
 #include <gtest/gtest.h>
@@ -16,6 +17,7 @@
 #include "kernel/elements/property_access.h"
 #include "kernel/platform/application.h"
 #include "kernel/platform/object_handles.h"
+#include "kernel/tools/world.h"
 
 namespace veska {
 namespace {
@@ -50,27 +52,45 @@ TEST(Threads, LookupsCreationAndPropertiesByNameRunSideBySide) {
   EXPECT_EQ(failures, std::vector<int>(kThreads, 0));
 }
 
-TEST(Threads, MessagesPostedFromWorkersArriveOnTheMainThreadOnceInOrder) {
+// A message that counts its own end, so that none can leak unnoticed.
+class TCountedMessage : public TVeskaMessage {
+  VESKA_CLASS(TCountedMessage, TVeskaMessage, u"threads_test")
+ public:
+  using TVeskaMessage::TVeskaMessage;
+  ~TCountedMessage() override { ++freed; }
+  static inline int freed = 0;  // only the main thread frees messages
+};
+
+// The world's main tool, which takes every message posted without a receiver.
+class TArrivals : public TTechnology {
+  VESKA_CLASS(TArrivals, TTechnology, u"threads_test")
+ public:
+  void HandleMessage(TVeskaMessage* message, bool& /*handled*/) override {
+    arrived[message->Message / kPosts].push_back(message->Message % kPosts);
+  }
+  static constexpr int kPosts = 100'000;
+  std::map<int, std::vector<int32_t>> arrived;  // by posting thread, in order of arrival
+};
+
+TEST(Threads, MessagesPostedFromWorkersReachTheWorldOnTheMainThreadOnceInOrder) {
   TApplication host;
   TApplication* const previous = SetApplication(&host);
-  std::map<int, std::vector<int32_t>> arrived;  // by sending thread, in order of arrival
-  host.SetWindowProc([&](TWindowMessage& window_message) {
-    auto* message = ObjectAs<TVeskaMessage>(ObjectHandles::ObjectOf(window_message.LParam));
-    if (message == nullptr) return false;
-    arrived[message->Message / kRounds].push_back(message->Message % kRounds);
-    delete message;
-    return true;
-  });
-  RunOnThreads([](int t) {
-    for (int round = 0; round < kRounds; ++round) {
-      (new TVeskaMessage(t * kRounds + round, nullptr, nullptr, nullptr, false))->Post();
-    }
-  });
-  host.ProcessMessages();
-  std::vector<int32_t> in_order(kRounds);
-  for (int round = 0; round < kRounds; ++round) in_order[round] = round;
-  ASSERT_EQ(arrived.size(), static_cast<std::size_t>(kThreads));
-  for (const auto& [thread, messages] : arrived) EXPECT_EQ(messages, in_order) << "thread " << thread;
+  {
+    TWorld world;
+    auto* arrivals = new TArrivals;
+    world.SetMainTool(arrivals);
+    RunOnThreads([](int t) {
+      for (int post = 0; post < TArrivals::kPosts; ++post) {
+        (new TCountedMessage(t * TArrivals::kPosts + post, nullptr, nullptr, nullptr, false))->Post();
+      }
+    });
+    host.ProcessMessages();
+    std::vector<int32_t> in_order(TArrivals::kPosts);
+    for (int post = 0; post < TArrivals::kPosts; ++post) in_order[post] = post;
+    ASSERT_EQ(arrivals->arrived.size(), static_cast<std::size_t>(kThreads));
+    for (const auto& [thread, messages] : arrivals->arrived) EXPECT_TRUE(messages == in_order) << "thread " << thread;
+  }
+  EXPECT_EQ(TCountedMessage::freed, kThreads * TArrivals::kPosts);
   SetApplication(previous);
 }
 

@@ -10,6 +10,7 @@
 #include "kernel/platform/date_time.h"
 #include "kernel/platform/exceptions.h"
 #include "kernel/platform/message_sink.h"
+#include "kernel/tools/host_technology.h"
 #include "kernel/tools/tool.h"
 #include "kernel/tools/tools_unit.h"
 #include "kernel/tools/world.h"
@@ -264,6 +265,40 @@ TEST(World, DeliversPostedMessagesAndShowsTheErrorsThatReachIt) {
   EXPECT_EQ(World, nullptr);
   EXPECT_EQ(shown.Texts(), Texts{u"World Level Error :sedmička"});
   SetApplication(nullptr);
+}
+
+// A host that notes each change of its progress display.
+struct ProgressHost : TApplication {
+  ProgressHost() { SetApplication(this); }
+  ~ProgressHost() override { SetApplication(nullptr); }
+  void ProgressChanged(TProgressEvent event, const TProgressState& state) override {
+    constexpr const char16_t* kEvents[] = {u"start ", u"position ", u"maximum ", u"text ", u"end "};
+    changes.push_back(kEvents[static_cast<int>(event)] + state.Caption + u" " + IntToStr(state.Position) + u"/" +
+                      IntToStr(state.Max) + u" " + state.Text);
+  }
+  Texts changes;
+};
+
+// A host technology as the main tool shows what tools report without a receiver, in order.
+TEST(World, AHostTechnologyShowsToolsProgressAndTextsOnTheHost) {
+  ProgressHost host;
+  CapturedMessages shown;
+  {
+    TWorld world;
+    world.SetMainTool(Named<THostTechnology>(u"main"));
+    TTestTool tool;
+    tool.StartProgress(u"Čtení", 0, 10);
+    tool.SetProgress(4);
+    tool.SetMaxProgress(20);
+    tool.SetProgressText(u"4 z 20");
+    tool.PostTextMsg(tm_Text, u"pozor", nullptr);
+    tool.EndProgress();
+    EXPECT_EQ(MainToolPropString(u"Name"), u"main");
+  }
+  EXPECT_EQ(host.changes, (Texts{u"start Čtení 0/10 ", u"position Čtení 4/10 ", u"maximum Čtení 4/20 ",
+                                 u"text Čtení 4/20 4 z 20", u"end Čtení 4/20 4 z 20"}));
+  EXPECT_EQ(shown.Texts(), Texts{u"pozor"});
+  EXPECT_EQ(MainToolPropString(u"Name"), u"");  // no world
 }
 
 TEST(World, PartsAreMadeOnceAndReplacedOnesAreFreed) {
