@@ -8,7 +8,7 @@
 namespace veska {
 
 TObject::~TObject() {
-  if (handle_ != 0) ObjectHandles::Forget(*this);
+  if (handle_.load(std::memory_order_relaxed) != 0) ObjectHandles::Forget(*this);
 }
 
 const ClassInfo& TObject::StaticClassInfo() {

@@ -18,6 +18,7 @@
 // without a Publish of its own publishes nothing beyond its ancestors' properties.
 #pragma once
 
+#include <atomic>
 #include <cstddef>
 #include <cstdint>
 #include <deque>
@@ -76,7 +77,9 @@ class TObject {
 
  private:
   friend class ObjectHandles;
-  int32_t handle_ = 0;  // the object's number in the handle table; 0 until it needs one
+  // The object's number in the handle table; 0 until it needs one.  Given once under the
+  // table's lock, and read without it once given.
+  std::atomic<int32_t> handle_{0};
 };
 
 // The object as a T, or none when it is none or of another class.  A check of the run-time

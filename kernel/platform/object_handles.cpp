@@ -25,16 +25,20 @@ HandleTable& Table() {
 
 int32_t ObjectHandles::HandleOf(TObject* object) {
   if (object == nullptr) return 0;
+  // Most objects asked for a handle have one already: that answer needs no lock.
+  if (const int32_t given = object->handle_.load(std::memory_order_acquire); given != 0) return given;
   HandleTable& table = Table();
   std::lock_guard lock(table.mutex);
-  if (object->handle_ == 0) {
+  int32_t handle = object->handle_.load(std::memory_order_relaxed);
+  if (handle == 0) {
     if (table.last_handle == std::numeric_limits<int32_t>::max()) {
       throw ERangeError(u"Object handles exhausted");
     }
-    object->handle_ = ++table.last_handle;
-    table.objects.emplace(object->handle_, object);
+    handle = ++table.last_handle;
+    table.objects.emplace(handle, object);
+    object->handle_.store(handle, std::memory_order_release);
   }
-  return object->handle_;
+  return handle;
 }
 
 TObject* ObjectHandles::ObjectOf(int64_t handle) {
@@ -54,8 +58,8 @@ std::size_t ObjectHandles::LiveCount() {
 void ObjectHandles::Forget(TObject& object) noexcept {
   HandleTable& table = Table();
   std::lock_guard lock(table.mutex);
-  table.objects.erase(object.handle_);
-  object.handle_ = 0;
+  table.objects.erase(object.handle_.load(std::memory_order_relaxed));
+  object.handle_.store(0, std::memory_order_relaxed);
 }
 
 }  // namespace veska
