@@ -11,6 +11,7 @@
 #include <memory>
 #include <vector>
 
+#include "fuzz/acts_outside.h"
 #include "fuzz/fuzz_input.h"
 #include "kernel/elements/property_access.h"
 #include "kernel/models/models_unit.h"
@@ -42,19 +43,6 @@ TElement* CreateRoot(fuzz::FuzzInput& input) {
   }
 }
 
-// Properties that act outside the models: files anywhere on the machine; messages handed to the
-// host, which then owns them; and the member commands of every entity, which free or let go of
-// whatever element they are given, held or not, and add any element, an entity's own holder
-// too: they are the element layer's, whose own fuzz target and tests take them.
-bool ActsOutside(const String& name) {
-  const PropInfo* entity_command = TEntity::StaticClassInfo().FindProperty(name);
-  if (entity_command != nullptr && !entity_command->CanRead()) return true;
-  for (StringView outside : {u"LoadFromFile", u"SaveToFile", u"SendIt", u"PostIt"}) {
-    if (SameText(name, outside)) return true;
-  }
-  return false;
-}
-
 }  // namespace
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
@@ -73,7 +61,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     const String name = GetPropName(target, static_cast<int>(input.Choose(static_cast<std::size_t>(count))));
     const std::size_t length = input.Choose(24);
     const String text = input.TakeString(length);
-    if (ActsOutside(name)) continue;
+    if (fuzz::ActsOutside(name)) continue;
     switch (command) {
       case Command::Write:
         SetPropStringByName(target, name, text);
