@@ -24,13 +24,6 @@ using test::Named;
 using test::RecordingHost;
 using Texts = std::vector<String>;
 
-String ProgressSummary(const TVeskaMessage& message) {
-  const auto* progress = ObjectAs<const TProgressMessage>(const_cast<TVeskaMessage*>(&message));
-  if (progress == nullptr) return test::Summary(message);
-  return IntToStr(progress->Message) + u" " + progress->ProcessName + u" " + IntToStr(progress->MinProgress) + u".." +
-         IntToStr(progress->Progress) + u".." + IntToStr(progress->MaxProgress);
-}
-
 // A tool that may refuse to quit and can set the second break bit.
 class TTestTool : public TResultTool {
   VESKA_CLASS(TTestTool, TResultTool, u"tool_test")
@@ -77,25 +70,45 @@ TEST(Tool, QuittingBreaksActivityAndParametersKeepTheirRules) {
   EXPECT_EQ(static_cast<TStringEntity*>(tool->GetNameParameter(u"Speed"))->Value, u"2");
 }
 
-TEST(Tool, ProgressIsPostedOnlyOnceStartedOnTheMainThreadAndEndsWithTheTool) {
-  RecordingHost host(&ProgressSummary);
+struct ProgressHost : TApplication {
+  ProgressHost() { SetApplication(this); }
+  ~ProgressHost() override { SetApplication(nullptr); }
+  void ProgressChanged(TProgressEvent event, const TProgressState& state) override {
+    constexpr const char16_t* kEvents[] = {u"start ", u"position ", u"maximum ", u"text ", u"end "};
+    changes.push_back(kEvents[static_cast<int>(event)] + state.Caption + u" " + IntToStr(state.Position) + u"/" +
+                      IntToStr(state.Max) + u" " + state.Text);
+  }
+  Texts changes;
+};
+
+// Progress reaches the host through a world whose main tool is a host technology, as do texts.
+TEST(Tool, ProgressReachesTheHostOnlyOnceStartedOnTheMainThreadAndEndsWithTheTool) {
+  ProgressHost host;
+  CapturedMessages shown;
+  EXPECT_EQ(MainToolPropString(u"Name"), u"");  // no world yet
+  TWorld world;
+  world.SetMainTool(Named<THostTechnology>(u"main"));
+  EXPECT_EQ(MainToolPropString(u"Name"), u"main");
   std::unique_ptr<TTool> tool(Named<TTool>(u"tool"));
   tool->SetProgress(1);  // not started: nothing
   std::thread([&] { tool->StartProgress(u"elsewhere", 0, 9); }).join();
   tool->SetNoProgress(true);
   tool->StartProgress(u"muted", 0, 9);
   tool->SetMaxProgress(5);
-  EXPECT_TRUE(host.delivered.empty());
+  host.ProcessMessages();
+  EXPECT_TRUE(host.changes.empty());
 
   tool->SetNoProgress(false);
-  tool->StartProgress(u"Načítání", 1, 200);  // delivered at once: the host's queue is processed
-  EXPECT_EQ(host.delivered, Texts{u"10 Načítání 1..0..200"});
+  tool->StartProgress(u"Načítání", 1, 200);  // shown at once: the host's queue is processed
+  EXPECT_EQ(host.changes, Texts{u"start Načítání 1/200 "});
   tool->SetProgress(50);
   tool->SetMaxProgress(300);
   tool->SetProgressText(u"půlka");
+  tool->PostTextMsg(tm_Text, u"pozor", nullptr);
   tool.reset();
-  EXPECT_EQ(host.delivered, (Texts{u"10 Načítání 1..0..200", u"11  0..50..0", u"12  0..0..300", u"14 tool>- - půlka",
-                                   u"13 tool>- - "}));
+  EXPECT_EQ(host.changes, (Texts{u"start Načítání 1/200 ", u"position Načítání 50/200 ", u"maximum Načítání 50/300 ",
+                                 u"text Načítání 50/300 půlka", u"end Načítání 50/300 půlka"}));
+  EXPECT_EQ(shown.Texts(), Texts{u"pozor"});
 }
 
 // Values go into the tool unless the property model only links; each property model's links are
@@ -177,6 +190,8 @@ TEST(Technology, ASequenceRunsEveryToolOnThePreviousOnesOutput) {
   EXPECT_EQ(sequence->GetOutput(), step(2));
   EXPECT_EQ(sequence->GetInput(), step(2));
   EXPECT_EQ(step(2)->GetParameters(), sequence->GetParameters());  // shared
+  sequence->DoIt();  // again: each tool lets the shared list go and takes it anew
+  EXPECT_EQ(step(0)->GetParameters(), sequence->GetParameters());
   sequence->SetActiveToolIndex(5);
   EXPECT_EQ(sequence->GetActiveToolIndex(), -1);
 }
@@ -265,40 +280,6 @@ TEST(World, DeliversPostedMessagesAndShowsTheErrorsThatReachIt) {
   EXPECT_EQ(World, nullptr);
   EXPECT_EQ(shown.Texts(), Texts{u"World Level Error :sedmička"});
   SetApplication(nullptr);
-}
-
-// A host that notes each change of its progress display.
-struct ProgressHost : TApplication {
-  ProgressHost() { SetApplication(this); }
-  ~ProgressHost() override { SetApplication(nullptr); }
-  void ProgressChanged(TProgressEvent event, const TProgressState& state) override {
-    constexpr const char16_t* kEvents[] = {u"start ", u"position ", u"maximum ", u"text ", u"end "};
-    changes.push_back(kEvents[static_cast<int>(event)] + state.Caption + u" " + IntToStr(state.Position) + u"/" +
-                      IntToStr(state.Max) + u" " + state.Text);
-  }
-  Texts changes;
-};
-
-// A host technology as the main tool shows what tools report without a receiver, in order.
-TEST(World, AHostTechnologyShowsToolsProgressAndTextsOnTheHost) {
-  ProgressHost host;
-  CapturedMessages shown;
-  {
-    TWorld world;
-    world.SetMainTool(Named<THostTechnology>(u"main"));
-    TTestTool tool;
-    tool.StartProgress(u"Čtení", 0, 10);
-    tool.SetProgress(4);
-    tool.SetMaxProgress(20);
-    tool.SetProgressText(u"4 z 20");
-    tool.PostTextMsg(tm_Text, u"pozor", nullptr);
-    tool.EndProgress();
-    EXPECT_EQ(MainToolPropString(u"Name"), u"main");
-  }
-  EXPECT_EQ(host.changes, (Texts{u"start Čtení 0/10 ", u"position Čtení 4/10 ", u"maximum Čtení 4/20 ",
-                                 u"text Čtení 4/20 4 z 20", u"end Čtení 4/20 4 z 20"}));
-  EXPECT_EQ(shown.Texts(), Texts{u"pozor"});
-  EXPECT_EQ(MainToolPropString(u"Name"), u"");  // no world
 }
 
 TEST(World, PartsAreMadeOnceAndReplacedOnesAreFreed) {
