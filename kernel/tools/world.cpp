@@ -57,6 +57,11 @@ void TWorld::ReplacePart(CachedPart<Part>& cache, Part* part) {
   if (part != nullptr) AddElement(part);
 }
 
+void TWorld::SetMainTool(TTechnology* tool) { ReplacePart(main_tool_, tool); }
+void TWorld::SetSysReg(TSystemRegister* part) { ReplacePart(system_register_, part); }
+void TWorld::SetWorkPlace(TWorkPlace* part) { ReplacePart(work_place_, part); }
+void TWorld::SetObjectModel(TObjectModel* part) { ReplacePart(object_model_, part); }
+
 void TWorld::SetTestElement(TEntity* element) { TestedElement = element; }
 
 // The directory part of the executable's name, with its separator.

@@ -45,14 +45,14 @@ class TWorld : public TEntity {
   virtual void HandleException(const String& message);
 
   TTechnology* GetMainTool();
-  void SetMainTool(TTechnology* tool) { ReplacePart(main_tool_, tool); }
+  void SetMainTool(TTechnology* tool);
   // The parts below are made, named and added on first read.
   TSystemRegister* GetSysReg();
-  void SetSysReg(TSystemRegister* part) { ReplacePart(system_register_, part); }
+  void SetSysReg(TSystemRegister* part);
   TWorkPlace* GetWorkPlace();
-  void SetWorkPlace(TWorkPlace* part) { ReplacePart(work_place_, part); }
+  void SetWorkPlace(TWorkPlace* part);
   TObjectModel* GetObjectModel();
-  void SetObjectModel(TObjectModel* part) { ReplacePart(object_model_, part); }
+  void SetObjectModel(TObjectModel* part);
   // The class registry itself, which is never the world's to free.
   TOwnerEntity* GetObjectClasses() const { return object_classes_; }
   void SetObjectClasses(TOwnerEntity* /*ignored*/) {}
