@@ -24,6 +24,11 @@ constexpr UnitClasses kStartUpTable[] = {
     kToolModelUnitClasses,
     kToolsUnitClasses,
     kWorldsUnitClasses,
+    kSortedEntitiesUnitClasses,
+    // the time elements come here
+    kRecursorUnitClasses,
+    // the file-system, memory and ini-file elements come here
+    kSortingToolsUnitClasses,
 };
 
 void RegisterLibraryUnits(TVeskaClasses& registry) {

@@ -54,6 +54,9 @@
 
 // Tools.
 #include "kernel/tools/host_technology.h"
+#include "kernel/tools/recursor.h"
+#include "kernel/tools/sort_elements.h"
+#include "kernel/tools/sorted_entity.h"
 #include "kernel/tools/technology.h"
 #include "kernel/tools/tool.h"
 #include "kernel/tools/tools_unit.h"

@@ -4,6 +4,7 @@
 #include <atomic>
 
 #include "kernel/elements/message.h"
+#include "kernel/elements/sorted_search.h"
 #include "kernel/platform/checked_arithmetic.h"
 #include "kernel/platform/message_sink.h"
 #include "kernel/platform/object_handles.h"
@@ -260,46 +261,11 @@ int CompareWithName(StringView name, const TElement* member) {
 
 }  // namespace
 
-// A binary search that tests the last record first and the first record second, so that
-// names registered in ascending order cost one comparison each.  An equal name found at the
-// end is appended behind it; a duplicate is thereby kept behind the record found first.
+// Records registered in ascending order of name cost one comparison each: the search tests the
+// last record first.  A duplicate name stays behind the record found first.
 int TVeskaClasses::FindIndex(StringView name, int& insert_index) {
-  insert_index = -1;
-  if (NoElements()) return -1;
-  int lo = 0;
-  int hi = ElementsCount() - 1;
-  const auto compare = [&](int index) { return CompareWithName(name, Get(index)); };
-  int order = compare(hi);
-  if (order > 0) return -1;
-  if (order == 0) return hi;
-  if (hi <= lo) {
-    insert_index = lo;
-    return -1;
-  }
-  order = compare(lo);
-  if (order < 0) {
-    insert_index = lo;
-    return -1;
-  }
-  if (order == 0) {
-    insert_index = lo + 1;
-    return lo;
-  }
-  while (true) {
-    insert_index = hi;
-    if (hi - lo < 2) return -1;
-    const int mid = lo + (hi - lo) / 2;
-    order = compare(mid);
-    if (order < 0) {
-      hi = mid;
-    } else if (order > 0) {
-      lo = mid;
-    } else {
-      insert_index = mid + 1;
-      return mid;
-    }
-    if (lo >= hi) return -1;
-  }
+  return FindSortedIndex(
+      ElementsCount(), [&](int index) { return CompareWithName(name, Get(index)); }, insert_index);
 }
 
 void TVeskaClasses::InsertByName(TVeskaClass* record) {
