@@ -16,7 +16,7 @@ int64_t IntegerKey(const TElement* element, StringView name) {
   if (element == nullptr) return 0;
   const PropInfo* property = element->ClassType().FindProperty(name);
   if (property != nullptr && property->CanRead() && property->Family() == ValueFamily::Ordinal) {
-    return element->GetPropertyLongIntByName(name);
+    return property->GetOrd(*element);
   }
   return TryStrToInt64(element->GetPropertyStringByName(name)).value_or(0);
 }
