@@ -1,5 +1,6 @@
 // Feeds arbitrary text to the text parsers: whole numbers, floats, date-times in the locale and
-// ISO 8601 forms, code-page detection and conversion, UTF-8, and the line and parameter readers.
+// ISO 8601 forms, code-page detection and conversion, UTF-8, the line and parameter readers, and
+// the key lists of the sorting tool, which then sorts a few elements by them.
 #include <string>
 
 #include "fuzz/fuzz_input.h"
@@ -10,6 +11,7 @@
 #include "kernel/text/line_reader.h"
 #include "kernel/text/parameter_reader.h"
 #include "kernel/text/string_numbers.h"
+#include "kernel/tools/sort_elements.h"
 
 namespace veska {
 namespace {
@@ -69,13 +71,27 @@ void Readers(const String& text) {
   }
 }
 
+void SortKeys(const String& text) {
+  TEntity elements;
+  for (StringView value : {u"2", u"x", u"1,5", u"-3"}) {
+    auto* element = new TStringEntity;
+    element->Value = String(value);
+    element->SetName(String(value));
+    elements.AddElement(element);
+  }
+  TSortElementsEx sorter;
+  sorter.SetPropertyName(text);
+  sorter.SetInput(&elements);
+  sorter.DoIt();
+}
+
 }  // namespace
 }  // namespace veska
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
   using namespace veska;
   fuzz::FuzzInput input(data, size);
-  switch (input.Choose(4)) {
+  switch (input.Choose(5)) {
     case 0:
       Numbers(input.RestAsString());
       break;
@@ -84,6 +100,9 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
       break;
     case 2:
       CodePages(input.RestAsText());
+      break;
+    case 3:
+      SortKeys(input.RestAsString());
       break;
     default:
       Readers(input.RestAsString());
