@@ -6,6 +6,7 @@
 
 #include <bit>
 #include <cstddef>
+#include <span>
 #include <utility>
 #include <vector>
 
@@ -14,12 +15,60 @@ namespace veska {
 template <class T>
 class BlockList {
  public:
+  BlockList() = default;
+  // The items in blocks of kBlockSize.
+  explicit BlockList(const std::vector<T>& items) : size_(items.size()) {
+    for (std::size_t first = 0; first < items.size(); first += kBlockSize) {
+      const std::size_t last = first + kBlockSize < items.size() ? first + kBlockSize : items.size();
+      blocks_.emplace_back(items.begin() + static_cast<std::ptrdiff_t>(first),
+                           items.begin() + static_cast<std::ptrdiff_t>(last));
+    }
+    RebuildTree();
+  }
+
   std::size_t size() const noexcept { return size_; }
 
   // index < size().
   const T& operator[](std::size_t index) const {
     const auto [block, offset] = Locate(index);
     return blocks_[block][offset];
+  }
+
+  T& operator[](std::size_t index) {
+    const auto [block, offset] = Locate(index);
+    return blocks_[block][offset];
+  }
+
+  // The items from `index` < size() to the end of its block: what can be read in one run.
+  std::span<const T> Run(std::size_t index) const {
+    const auto [block, offset] = Locate(index);
+    return std::span<const T>(blocks_[block]).subspan(offset);
+  }
+
+  // The index of the first item equal to `item`, or size() when there is none.
+  std::size_t IndexOf(const T& item) const {
+    std::size_t before = 0;
+    for (const std::vector<T>& items : blocks_) {
+      for (std::size_t offset = 0; offset < items.size(); ++offset) {
+        if (items[offset] == item) return before + offset;
+      }
+      before += items.size();
+    }
+    return size_;
+  }
+
+  // Takes out the item at `index` < size().
+  void Erase(std::size_t index) {
+    const auto [block, offset] = Locate(index);
+    std::vector<T>& items = blocks_[block];
+    items.erase(items.begin() + static_cast<std::ptrdiff_t>(offset));
+    --size_;
+    if (!items.empty()) {
+      AddToBlock(block, -1);
+      return;
+    }
+    blocks_.erase(blocks_.begin() + static_cast<std::ptrdiff_t>(block));
+    RebuildTree();
   }
 
   // Puts the item before the one at `index`; an index at or past the end appends.
@@ -35,7 +84,7 @@ class BlockList {
     items.insert(items.begin() + static_cast<std::ptrdiff_t>(offset), std::move(item));
     ++size_;
     if (items.size() <= 2 * kBlockSize) {
-      for (std::size_t node = block + 1; node < tree_.size(); node += node & (~node + 1)) ++tree_[node];
+      AddToBlock(block, 1);
       return;
     }
     std::vector<T> upper(std::make_move_iterator(items.begin() + kBlockSize), std::make_move_iterator(items.end()));
@@ -66,6 +115,13 @@ class BlockList {
       }
     }
     return {block, index};
+  }
+
+  // Counts an item more or fewer in the block.
+  void AddToBlock(std::size_t block, int change) {
+    for (std::size_t node = block + 1; node < tree_.size(); node += node & (~node + 1)) {
+      tree_[node] = static_cast<std::size_t>(static_cast<std::ptrdiff_t>(tree_[node]) + change);
+    }
   }
 
   void RebuildTree() {

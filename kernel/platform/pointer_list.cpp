@@ -17,6 +17,7 @@ void TList::SetCapacity(int capacity) {
   if (capacity < Count()) {
     throw EListError(u"List capacity out of bounds (" + IntToStr(capacity) + u")");
   }
+  if (blocks_) return;  // blocks take room as they grow
   const auto wanted = static_cast<std::size_t>(capacity);
   if (wanted > items_.capacity()) {
     items_.reserve(wanted);
@@ -31,30 +32,50 @@ void TList::SetCapacity(int capacity) {
 
 void* TList::Get(int index) const {
   CheckIndex(index);
-  return items_[static_cast<std::size_t>(index)];
+  return ItemAt(static_cast<std::size_t>(index));
 }
 
 void TList::Put(int index, void* item) {
   CheckIndex(index);
-  items_[static_cast<std::size_t>(index)] = item;
+  ItemAt(static_cast<std::size_t>(index)) = item;
   ++changes_;
 }
 
 int TList::Add(void* item) {
-  items_.push_back(item);
+  if (blocks_) {
+    blocks_->Insert(blocks_->size(), item);
+  } else {
+    items_.push_back(item);
+  }
   ++changes_;
   return Count() - 1;
 }
 
 void TList::Insert(int index, void* item) {
   if (index < 0 || index > Count()) ListIndexError(index);
-  items_.insert(items_.begin() + index, item);
+  if (!blocks_ && Count() - index > kBlocksFrom) {
+    blocks_ = std::make_unique<BlockList<void*>>(items_);
+    std::vector<void*>().swap(items_);
+  }
+  if (blocks_) {
+    blocks_->Insert(static_cast<std::size_t>(index), item);
+  } else {
+    items_.insert(items_.begin() + index, item);
+  }
   ++changes_;
 }
 
 void TList::Delete(int index) {
   CheckIndex(index);
-  items_.erase(items_.begin() + index);
+  if (!blocks_) {
+    items_.erase(items_.begin() + index);
+  } else {
+    blocks_->Erase(static_cast<std::size_t>(index));
+    if (Count() < kVectorBelow) {
+      items_ = blocks_->ToVector();
+      blocks_.reset();
+    }
+  }
   ++changes_;
 }
 
@@ -65,6 +86,10 @@ int TList::Remove(void* item) {
 }
 
 int TList::IndexOf(const void* item) const noexcept {
+  if (blocks_) {
+    const std::size_t found = blocks_->IndexOf(const_cast<void*>(item));
+    return found == blocks_->size() ? -1 : static_cast<int>(found);
+  }
   const auto found = std::find(items_.begin(), items_.end(), item);
   return found == items_.end() ? -1 : static_cast<int>(found - items_.begin());
 }
@@ -72,7 +97,7 @@ int TList::IndexOf(const void* item) const noexcept {
 void TList::Exchange(int index1, int index2) {
   CheckIndex(index1);
   CheckIndex(index2);
-  std::swap(items_[static_cast<std::size_t>(index1)], items_[static_cast<std::size_t>(index2)]);
+  std::swap(ItemAt(static_cast<std::size_t>(index1)), ItemAt(static_cast<std::size_t>(index2)));
   ++changes_;
 }
 

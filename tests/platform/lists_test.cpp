@@ -1,6 +1,7 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include <random>
 #include <string>
 #include <tuple>
 #include <vector>
@@ -73,6 +74,36 @@ TEST(Lists, KeepOrderAndObjectsThroughInsertDeleteExchangeAndRemoveAndRefuseBadI
   EXPECT_THAT([&] { strings.Insert(3, u"x"); }, OutOfBounds(3));
   EXPECT_THAT([&] { strings.Names(-1); }, OutOfBounds(-1));
   EXPECT_EQ(strings.ValueFromIndex(-1), u"");  // a negative index is "not found", not an error
+}
+
+// A long list filled far from its end keeps its items in blocks; it must answer as a vector
+// does, through every operation, on the way into blocks and back.
+TEST(Lists, ALongListFilledInTheMiddleAnswersAsAVectorDoes) {
+  std::mt19937 random(11);
+  std::vector<void*> model;
+  TList list;
+  const auto item = [](std::size_t n) { return reinterpret_cast<void*>(n * 8 + 8); };
+  const auto same = [&] { return std::vector<void*>(list.begin(), list.end()) == model; };
+  for (std::size_t n = 0; n < 20'000; ++n) {
+    const int index = static_cast<int>(random() % (model.size() + 1));
+    list.Insert(index, item(n));
+    model.insert(model.begin() + index, item(n));
+  }
+  ASSERT_TRUE(same());
+  list.Exchange(0, 19'999);
+  std::swap(model.front(), model.back());
+  list.Put(7'000, item(99'999));
+  model[7'000] = item(99'999);
+  EXPECT_EQ(list.IndexOf(item(99'999)), 7'000);
+  EXPECT_EQ(list.Get(12'345), model[12'345]);
+  while (model.size() > 100) {
+    const int index = static_cast<int>(random() % model.size());
+    list.Delete(index);
+    model.erase(model.begin() + index);
+  }
+  EXPECT_TRUE(same());
+  EXPECT_EQ(list.Add(item(123'456)), 100);
+  EXPECT_EQ(list.Remove(item(123'456)), 100);
 }
 
 TEST(StringList, IndexOfIgnoresCaseUnlessCaseSensitiveNameValueLinesAndSortedListsApplyDuplicates) {
