@@ -22,9 +22,8 @@ namespace veska {
 namespace {
 
 void PerElement(benchmark::State& state, std::int64_t elements) {
-  state.counters["per_element"] =
-      benchmark::Counter(static_cast<double>(elements), benchmark::Counter::kIsIterationInvariantRate |
-                                                            benchmark::Counter::kInvert);
+  state.counters["per_element"] = benchmark::Counter(
+      static_cast<double>(elements), benchmark::Counter::kIsIterationInvariantRate | benchmark::Counter::kInvert);
 }
 
 // n string entities with random IDs and values, in random order.

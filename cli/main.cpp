@@ -131,7 +131,8 @@ class ProgramWorld {
  public:
   explicit ProgramWorld(bool show_progress) : host_(stderr, show_progress) {
     veska::SetApplication(&host_);
-    previous_sink_ = veska::SetMessageSink([this](const veska::String& text, veska::MessageKind) { host_.ShowLine(text); });
+    previous_sink_ =
+        veska::SetMessageSink([this](const veska::String& text, veska::MessageKind) { host_.ShowLine(text); });
     veska::RegisterVeskaClass<veska::cli::TMakeElements>();
     world_ = std::make_unique<veska::TWorld>();
     world_->SetMainTool(new veska::THostTechnology);
@@ -154,7 +155,8 @@ class ProgramWorld {
 
 int main(int argc, char** argv) {
   Operands arguments(argv + 1, static_cast<std::size_t>(argc > 0 ? argc - 1 : 0));
-  const bool quiet = !arguments.empty() && (arguments[0] == std::string_view("-q") || arguments[0] == std::string_view("--quiet"));
+  const bool quiet =
+      !arguments.empty() && (arguments[0] == std::string_view("-q") || arguments[0] == std::string_view("--quiet"));
   if (quiet) arguments = arguments.subspan(1);
   ProgramWorld program(!quiet && isatty(fileno(stderr)) == 1);
   try {

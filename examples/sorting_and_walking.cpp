@@ -54,7 +54,8 @@ class TOpenBoxTool : public veska::TTool {
 int main() {
   using store::Box;
   const std::unique_ptr<store::TBox> shelf(Box(u"shelf", 0, nullptr));
-  for (const auto& [name, weight] : {std::pair{u"bolts", 3}, {u"axles", 1}, {u"nuts", 3}}) Box(name, weight, shelf.get());
+  for (const auto& [name, weight] : {std::pair{u"bolts", 3}, {u"axles", 1}, {u"nuts", 3}})
+    Box(name, weight, shelf.get());
   Box(u"washer", 1, Box(u"gears", 2, shelf.get()));
   store::TBox* sealed = Box(u"sealed", 5, shelf.get());
   sealed->Closed = true;

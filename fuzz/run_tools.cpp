@@ -63,7 +63,8 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
       if (property->CanRead()) {
         if (TObject* part = GetObjectPropByName(tool, name)) seen.emplace_back(part);
       }
-      if (!seen.empty() && length % 2 == 0) text = IntToStr(ObjectHandles::HandleOf(seen[length / 2 % seen.size()].Get()));
+      if (!seen.empty() && length % 2 == 0)
+        text = IntToStr(ObjectHandles::HandleOf(seen[length / 2 % seen.size()].Get()));
     }
     SetPropStringByName(tool, name, text);
   }

@@ -3,6 +3,7 @@
 // places it gives produces.
 #pragma once
 
+#include <cstdint>
 #include <span>
 #include <vector>
 
@@ -68,11 +69,19 @@ std::vector<T> BinaryInsertionOrder(std::span<const T> items, Compare compare) {
   BlockList<T> order;
   for (const T& item : items) {
     int insert_index = -1;
-    FindSortedIndex(static_cast<int>(order.size()),
-                    [&](int index) { return compare(item, order[static_cast<std::size_t>(index)]); }, insert_index);
+    FindSortedIndex(
+        static_cast<int>(order.size()),
+        [&](int index) { return compare(item, order[static_cast<std::size_t>(index)]); }, insert_index);
     order.Insert(insert_index < 0 ? order.size() : static_cast<std::size_t>(insert_index), item);
   }
   return order.ToVector();
 }
+
+// The order BinaryInsertionOrder gives for items compared by their ranks alone (equal ranks
+// compare equal, a lower rank sorts first), computed from the ranks: how many items of lower and
+// of equal rank the list holds decides where the search meets an equal item, so only the items
+// of one rank move, and the items are returned as positions into `ranks`.  Every rank is below
+// `rank_count`.
+std::vector<uint32_t> BinaryInsertionOrderOfRanks(std::span<const uint32_t> ranks, uint32_t rank_count);
 
 }  // namespace veska

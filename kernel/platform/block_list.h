@@ -7,6 +7,7 @@
 #include <bit>
 #include <cstddef>
 #include <span>
+#include <tuple>
 #include <utility>
 #include <vector>
 

@@ -6,7 +6,11 @@
 //    member met in the middle of the search goes directly after that member;
 //  - the frame's comparison always answers 1, so the frame alone keeps the input order.
 // The insertion runs on a block list, so sorting n members costs O(n log n) comparisons and
-// bounded moves per member, with exactly the comparisons of the literal insertion.
+// bounded moves per member, with exactly the comparisons of the literal insertion.  The sorters
+// of this file read each member's key once, rank the keys and place the members by their ranks
+// (BinaryInsertionOrderOfRanks), which gives the order of the insertion that reads the keys at
+// every comparison; a descendant that overrides CompareElements is asked at every comparison, as
+// are number keys when one of them is not a number (NaN).
 //
 // The integer sorters read an ordinal property (an integer, an enumeration, a Boolean) as its
 // number, and any other value as the whole number its text denotes; a value that denotes none
@@ -16,6 +20,7 @@
 #pragma once
 
 #include <memory>
+#include <span>
 #include <vector>
 
 #include "kernel/tools/tool.h"
@@ -46,6 +51,14 @@ class TSortElements : public TTool {
 
   static void Publish(Publisher<TSortElements>& p);
 
+ protected:
+  // The members in ascending order: the binary insertion, asking CompareElements.
+  virtual std::vector<TElement*> Order(std::span<TElement* const> members);
+  // For a sorter of exactly the type Sorter, the order of the binary insertion by the keys that
+  // `read_key` reads, once a member; for a descendant, which may compare otherwise, Order above.
+  template <class Sorter, class ReadKey>
+  std::vector<TElement*> OrderByKeys(std::span<TElement* const> members, ReadKey read_key);
+
  private:
   CachedPart<TQuickEntity> work_list_;
 };
@@ -54,12 +67,18 @@ class TSortElementsByString : public TSortElements {
   VESKA_CLASS(TSortElementsByString, TSortElements, kSortingToolsUnit)
  public:
   int CompareElements(TElement* a, TElement* b) override;
+
+ protected:
+  std::vector<TElement*> Order(std::span<TElement* const> members) override;
 };
 
 class TSortElementsByInteger : public TSortElements {
   VESKA_CLASS(TSortElementsByInteger, TSortElements, kSortingToolsUnit)
  public:
   int CompareElements(TElement* a, TElement* b) override;
+
+ protected:
+  std::vector<TElement*> Order(std::span<TElement* const> members) override;
 };
 
 // By PropertyName, then by PropertyName1; its numbers 0, 1 and 2 are the two keys and Down.
@@ -68,6 +87,9 @@ class TSortElementsBy2Integers : public TSortElements {
  public:
   int CompareElements(TElement* a, TElement* b) override;
   int32_t DownPropertyNumber() override { return 2; }
+
+ protected:
+  std::vector<TElement*> Order(std::span<TElement* const> members) override;
 };
 
 // The values as text read as numbers (StrToExtended); text that is not a number counts as 0.
@@ -75,6 +97,9 @@ class TSortElementsByFloat : public TSortElements {
   VESKA_CLASS(TSortElementsByFloat, TSortElements, kSortingToolsUnit)
  public:
   int CompareElements(TElement* a, TElement* b) override;
+
+ protected:
+  std::vector<TElement*> Order(std::span<TElement* const> members) override;
 };
 
 // One key of a key list: a property name and the kind of its comparison.

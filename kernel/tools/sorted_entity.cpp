@@ -44,7 +44,8 @@ void TSortedEntity::Publish(Publisher<TSortedEntity>& p) {
 }
 
 int TCustomSortedEntity::FindIndex(const String& key, int& insert_index) {
-  return FindSortedIndex(ElementsCount(), [&](int index) { return Compare(key, Get(index)); }, insert_index);
+  return FindSortedIndex(
+      ElementsCount(), [&](int index) { return Compare(key, Get(index)); }, insert_index);
 }
 
 int TCustomSortedEntity::Compare(const String& key, TElement* element) { return CompareText(key, NameOf(element)); }

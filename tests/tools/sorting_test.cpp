@@ -33,8 +33,8 @@ TEST(SortedEntity, KeepsNamesInOrderIgnoringCaseAndNumbersItsMembers) {
   EXPECT_EQ(entity.FindElementName(u"C"), entity.Get(4));  // the last, which the search meets first
 
   entity.SetPropertyStringByName(u"NoDuplicates", u"True");
-  entity.AddElement(entity.Get(0));                     // the same element: kept once
-  Named<TStringEntity>(u"a", {&entity});                // another of the same name: kept
+  entity.AddElement(entity.Get(0));       // the same element: kept once
+  Named<TStringEntity>(u"a", {&entity});  // another of the same name: kept
   EXPECT_EQ(Names(entity), u"a a b B c c ");
 }
 
@@ -70,20 +70,28 @@ TEST(SortedSearch, StopsAtTheFirstEqualItemItMeets) {
 // The fast insertion gives exactly the order of the literal insertion into a flat list.
 TEST(SortedSearch, BinaryInsertionOrderEqualsTheLiteralInsertion) {
   std::mt19937 random(7);
-  for (int shape = 0; shape < 4; ++shape) {
-    std::vector<std::pair<int, int>> items;  // key, identity
+  for (const int shape : {2, 10, 1000, 0, -1}) {  // keys of so many values; 0: ascending; -1: descending
+    std::vector<std::pair<int, int>> items;       // key, identity
     for (int i = 0; i < 3000; ++i) {
-      const int key = shape == 0 ? int(random() % 10) : shape == 1 ? int(random() % 1000) : shape == 2 ? i : -i;
+      const int key = shape > 0 ? int(random() % unsigned(shape)) : shape == 0 ? i : -i;
       items.emplace_back(key, i);
     }
     const auto compare = [](const auto& a, const auto& b) { return a.first - b.first; };
     std::vector<std::pair<int, int>> literal;
     for (const auto& item : items) {
       int insert_index = -1;
-      FindSortedIndex(int(literal.size()), [&](int i) { return compare(item, literal[i]); }, insert_index);
+      FindSortedIndex(
+          int(literal.size()), [&](int i) { return compare(item, literal[i]); }, insert_index);
       literal.insert(insert_index < 0 ? literal.end() : literal.begin() + insert_index, item);
     }
     EXPECT_EQ(BinaryInsertionOrder(std::span<const std::pair<int, int>>(items), compare), literal) << shape;
+    std::vector<uint32_t> ranks;  // the keys counted from the lowest
+    for (const auto& item : items) ranks.push_back(static_cast<uint32_t>(item.first + 2999));
+    std::vector<int> by_ranks;
+    for (uint32_t position : BinaryInsertionOrderOfRanks(ranks, 6000)) by_ranks.push_back(items[position].second);
+    std::vector<int> by_search;
+    for (const auto& item : literal) by_search.push_back(item.second);
+    EXPECT_EQ(by_ranks, by_search) << shape;
   }
 }
 
@@ -114,6 +122,25 @@ TEST(SortElements, SortByTheirKindOfValueAndDownReversesTheOrder) {
   auto mixed = Values({u"10", u"x", u"-1", u"9.5"});
   EXPECT_EQ(Sorted<TSortElementsByInteger>(*mixed, u"Value"), u"3 2 4 1 ");  // x and 9.5 count as 0
   EXPECT_EQ(Sorted<TSortElementsByFloat>(*mixed, u"Value"), u"3 2 4 1 ");
+  // The sorters' own order (by ranks of keys read once) is the one that asking at every
+  // comparison gives, for texts equal but for case too.
+  struct Asking : TSortElementsByString {
+    int CompareElements(TElement* a, TElement* b) override { return TSortElementsByString::CompareElements(a, b); }
+  };
+  std::mt19937 random(5);
+  TEntity many;
+  for (int i = 0; i < 3000; ++i) {
+    auto* member = Named<TStringEntity>(IntToStr(i) + u" ", {&many});
+    member->Value = String(1, char16_t(u"aAbBcž"[random() % 6])) + IntToStr(int(random() % 20));
+  }
+  const std::vector<TElement*> input = test::Members(many);
+  const String asked = Sorted<Asking>(many, u"Value");
+  for (int i = 0; i < 3000; ++i) many.Put(i, input[std::size_t(i)]);
+  EXPECT_EQ(Sorted<TSortElementsByString>(many, u"Value"), asked);
+  struct Descending : TSortElementsByInteger {  // asked at every comparison, as it compares otherwise
+    int CompareElements(TElement* a, TElement* b) override { return TSortElementsByInteger::CompareElements(b, a); }
+  };
+  EXPECT_EQ(Sorted<Descending>(*mixed, u"Value"), u"1 2 4 3 ");
   EXPECT_EQ(Sorted<TSortElementsByString>(*Values({}), u"Value"), u"");
   TSortElementsByString not_an_entity;
   TStringEntity value;
