@@ -6,6 +6,7 @@
 #pragma once
 
 #include <compare>
+#include <optional>
 #include <string>
 #include <string_view>
 
@@ -33,6 +34,10 @@ String UpperCase(StringView text);
 String LowerCase(StringView text);
 int CompareText(StringView a, StringView b);  // <0, 0, >0 ignoring case
 bool SameText(StringView a, StringView b);
+// For a text of ASCII characters only: bytes whose plain order (std::string's compare) is
+// CompareText's order among such texts; none for any other text.  A sort that compares many
+// texts compares these instead.
+std::optional<std::string> CompareTextKey(StringView text);
 
 // Upper-casing of the letters a to z only, every other character unchanged.  Used where names
 // are plain identifiers and must compare the same on every machine.

@@ -46,6 +46,17 @@ int CompareText(StringView a, StringView b) {
 
 bool SameText(StringView a, StringView b) { return CompareText(a, b) == 0; }
 
+// CompareText meets only ASCII characters in such texts and compares them lower-cased, a text
+// before its extensions: the lower-cased bytes in their plain order.
+std::optional<std::string> CompareTextKey(StringView text) {
+  std::string key(text.size(), '\0');
+  for (std::size_t i = 0; i < text.size(); ++i) {
+    if (text[i] >= 0x80) return std::nullopt;
+    key[i] = static_cast<char>(AsciiLowerChar(text[i]));
+  }
+  return key;
+}
+
 String AsciiUpperCase(StringView text) {
   String out(text);
   for (char16_t& c : out) c = AsciiUpperChar(c);

@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <cmath>
 #include <span>
+#include <optional>
 #include <string>
 #include <type_traits>
 #include <typeinfo>
@@ -44,9 +45,8 @@ int CompareKeys(const std::pair<int64_t, int64_t>& a, const std::pair<int64_t, i
 }
 
 // A key and the position of its member, sorted side by side so that the sort reads memory in
-// order.  A text that is all ASCII stands in lower-cased, as bytes: two such texts compare as
-// CompareText compares them (ASCII characters lower-cased, a text before its extensions), and a
-// short one lies within the entry.  Other texts are compared by CompareText itself.
+// order.  A text stands in by its CompareTextKey, which a short text keeps within the entry;
+// texts without one are compared by CompareText itself.
 template <class Key>
 struct Entry {
   Key key;
@@ -56,23 +56,12 @@ struct Entry {
 
 template <>
 struct Entry<String> {
-  std::string folded;
+  std::optional<std::string> key;
   uint32_t position = 0;
-  bool ascii = true;
 
-  Entry(const String& text, uint32_t text_position) : position(text_position) {
-    folded.reserve(text.size());
-    for (const char16_t c : text) {
-      if (c >= 0x80) {
-        ascii = false;
-        folded.clear();
-        return;
-      }
-      folded.push_back(static_cast<char>(c >= u'A' && c <= u'Z' ? c + (u'a' - u'A') : c));
-    }
-  }
+  Entry(const String& text, uint32_t text_position) : key(CompareTextKey(text)), position(text_position) {}
   int Compare(const Entry& other, const std::vector<String>& keys) const {
-    if (ascii && other.ascii) return folded.compare(other.folded);
+    if (key && other.key) return key->compare(*other.key);
     return CompareText(keys[position], keys[other.position]);
   }
 };
