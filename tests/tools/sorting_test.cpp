@@ -1,5 +1,6 @@
 #include <gtest/gtest.h>
 
+#include <array>
 #include <memory>
 #include <random>
 
@@ -142,6 +143,16 @@ TEST(SortElements, SortByTheirKindOfValueAndDownReversesTheOrder) {
   };
   EXPECT_EQ(Sorted<Descending>(*mixed, u"Value"), u"1 2 4 3 ");
   EXPECT_EQ(Sorted<TSortElementsByString>(*Values({}), u"Value"), u"");
+  // A NaN equals every number: such keys are compared one by one, as the search meets them.
+  EXPECT_EQ(Sorted<TSortElementsByFloat>(*Values({u"NAN", u"1", u"x"}), u"Value"), u"1 3 2 ");
+  auto pairs = Values({u"2", u"1", u"2", u"1"});
+  for (int i = 0; i < 4; ++i) pairs->Get(i)->ID = std::array{5, 7, 3, 7}[std::size_t(i)];  // an ordinal key
+  TSortElementsBy2Integers by_two;
+  by_two.SetPropertyStringByName(u"PropertyName", u"Value");
+  by_two.SetPropertyNumber(1, u"ID");
+  by_two.SetInput(pairs.get());
+  by_two.DoIt();
+  EXPECT_EQ(Names(*pairs), u"2 4 3 1 ");
   TSortElementsByString not_an_entity;
   TStringEntity value;
   not_an_entity.SetInput(&value);
@@ -196,6 +207,9 @@ TEST(Recursor, WalksPreAndPostOrderWithToolsAndStopsWhereItsToolSays) {
   recursor.SetInput(root.get());
   recursor.DoIt();
   EXPECT_EQ(before + u"|" + after + u"|" + asked + u"|" + IntToStr(recursor.Level), u"rabx|baxr|rax|1");
+  before.clear();
+  recursor.GoInside(root.get());  // outside a walk: the members are visited before it returns
+  EXPECT_EQ(before + u"|" + IntToStr(recursor.Level), u"abx|1");
   before.clear();
   recursor.NotInside = true;
   recursor.DoIt();
