@@ -109,6 +109,13 @@ TEST(Tool, ProgressReachesTheHostOnlyOnceStartedOnTheMainThreadAndEndsWithTheToo
   EXPECT_EQ(host.changes, (Texts{u"start Načítání 1/200 ", u"position Načítání 50/200 ", u"maximum Načítání 50/300 ",
                                  u"text Načítání 50/300 půlka", u"end Načítání 50/300 půlka"}));
   EXPECT_EQ(shown.Texts(), Texts{u"pozor"});
+
+  // Other messages are the technology's: a tool of it that ended its task is freed.
+  auto* main_tool = world.GetMainTool();
+  main_tool->AddTool(Named<TTool>(u"done"));
+  ObjectAs<TTool>(main_tool->GetTool(0))->PostMsgToOwners(tm_EndTask, nullptr, false);
+  host.ProcessMessages();
+  EXPECT_EQ(main_tool->ToolCount(), 0);
 }
 
 // Values go into the tool unless the property model only links; each property model's links are
