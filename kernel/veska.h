@@ -61,3 +61,8 @@
 #include "kernel/tools/tool.h"
 #include "kernel/tools/tools_unit.h"
 #include "kernel/tools/world.h"
+
+// Model files.
+#include "kernel/persistence/stream_loader.h"
+#include "kernel/persistence/veska_loader.h"
+#include "kernel/persistence/vsk_info.h"

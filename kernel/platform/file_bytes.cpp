@@ -2,6 +2,7 @@
 
 #include <cerrno>
 #include <cstdio>
+#include <filesystem>
 #include <memory>
 #include <system_error>
 
@@ -28,6 +29,12 @@ FileHandle OpenFile(const String& file_name, const char* mode, StringView action
 }
 
 }  // namespace
+
+bool FileExists(const String& file_name) {
+  std::error_code error;
+  const std::filesystem::file_status status = std::filesystem::status(ToUtf8(file_name), error);
+  return !error && std::filesystem::exists(status) && !std::filesystem::is_directory(status);
+}
 
 std::string ReadFileBytes(const String& file_name) {
   const FileHandle file = OpenFile(file_name, "rb", u"Cannot open");

@@ -9,6 +9,9 @@
 
 namespace veska {
 
+// Whether a file (anything but a directory) of that name exists.
+bool FileExists(const String& file_name);
+
 // The file's bytes.  EFOpenError "Cannot open file "<name>". <reason>" when it cannot be opened
 // or read (a directory, say).
 std::string ReadFileBytes(const String& file_name);

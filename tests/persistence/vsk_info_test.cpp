@@ -1,0 +1,72 @@
+#include "kernel/persistence/vsk_info.h"
+
+#include <gtest/gtest.h>
+
+#include <memory>
+#include <utility>
+
+#include "kernel/platform/exceptions.h"
+#include "kernel/platform/streams.h"
+#include "tests/support/temp_folder.h"
+
+namespace veska {
+namespace {
+
+// A model file's signature and header, as a writer of model files writes them.
+std::string ModelFile(std::string_view signature, StringView modul, StringView version, StringView comment) {
+  TMemoryStream stream;
+  {
+    TWriter writer(stream);
+    writer.WriteSignature(signature);
+    for (StringView text : {modul, version, comment}) writer.WriteString(text);
+  }
+  const std::span<const std::byte> bytes = std::as_const(stream).Memory();
+  return std::string(reinterpret_cast<const char*>(bytes.data()), bytes.size());
+}
+
+// "error|text|modul|version|comment" of the tool, and of its info element when it made one.
+String Outcome(const TLoadVSKInfo& tool) {
+  String outcome = IntToStr(tool.Error) + u"|" + tool.ErrorText + u"|" + tool.Modul + u"|" + tool.Version + u"|" +
+                   tool.Comment;
+  if (const auto* info = ObjectAs<TVSKInfo>(tool.GetOutput())) {
+    outcome += u" / " + IntToStr(info->Error) + u"|" + info->ErrorText + u"|" + info->Modul + u"|" + info->FileName;
+  }
+  return outcome;
+}
+
+TEST(LoadVSKInfo, ReportsTheHeaderOrWhyThereIsNoneWithItsFixedTexts) {
+  test::TempFolder folder;
+  const String model = folder.Write("model.vsk", ModelFile("VSK0", u"Sklad", u"2.1", u"Žluťoučký kůň"));
+  const String old = folder.Write("old.vsk", ModelFile("TPF0", u"a", u"b", u"c"));
+  const String other = folder.Write("other.vsk", "PK\3\4 and more");
+  const std::pair<String, String> cases[] = {
+      {model, u"0|OK|Sklad|2.1|Žluťoučký kůň"},
+      {u"", u"1|Chybné jméno souboru  !|||"},
+      {folder.Path("missing.vsk"), u"2|Soubor  neexistuje!|||"},
+      {old, u"3| ... stará verze VSK!|||"},
+      {other, u"4|MAGIC error ... Neznámý typ souboru!|||"},
+  };
+  TLoadVSKInfo tool;
+  for (const auto& [file_name, expected] : cases) {
+    tool.SetPropertyNumber(0, file_name);
+    tool.DoIt();  // the same tool again: each run starts from nothing
+    EXPECT_EQ(Outcome(tool), expected);
+  }
+
+  tool.SetPropertyNumber(1, u"True");  // ReturnInfoElement
+  tool.SetPropertyStringByName(u"FileName", model);
+  tool.DoIt();
+  std::unique_ptr<TElement> info(tool.GetOutput());  // the caller's
+  EXPECT_EQ(Outcome(tool), u"0|OK|Sklad|2.1|Žluťoučký kůň / 0|OK|Sklad|" + model);
+  tool.SetFileName(u"");
+  tool.DoIt();
+  std::unique_ptr<TElement> second(tool.GetOutput());
+  EXPECT_EQ(Outcome(tool), u"1|Chybné jméno souboru  !||| / 1|Chybné jméno souboru  !||");
+
+  tool.SetFileName(folder.Write("cut.vsk", ModelFile("VSK0", u"Sklad", u"2.1", u"x").substr(0, 9)));
+  EXPECT_THROW(tool.DoIt(), EReadError);  // a header cut short
+  std::unique_ptr<TElement> third(tool.GetOutput());
+}
+
+}  // namespace
+}  // namespace veska
