@@ -8,6 +8,7 @@
 #include "kernel/elements/class_lookup.h"
 #include "kernel/elements/elements_unit.h"
 #include "kernel/models/models_unit.h"
+#include "kernel/persistence/persistence_unit.h"
 #include "kernel/tools/tools_unit.h"
 #include "kernel/types/types_unit.h"
 
@@ -29,6 +30,7 @@ constexpr UnitClasses kStartUpTable[] = {
     kRecursorUnitClasses,
     // the file-system, memory and ini-file elements come here
     kSortingToolsUnitClasses,
+    kLoaderUnitClasses,
 };
 
 void RegisterLibraryUnits(TVeskaClasses& registry) {

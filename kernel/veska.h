@@ -63,6 +63,7 @@
 #include "kernel/tools/world.h"
 
 // Model files.
+#include "kernel/persistence/persistence_unit.h"
 #include "kernel/persistence/stream_loader.h"
 #include "kernel/persistence/veska_loader.h"
 #include "kernel/persistence/vsk_info.h"

@@ -238,6 +238,8 @@ void TVeskaClasses::Publish(Publisher<TVeskaClasses>& p) {
 
 void TVeskaClasses::SetSortByName(bool /*value*/) {}
 
+bool TVeskaClasses::IsPossibleToFree() { return this != detail::process_registry.load(std::memory_order_acquire); }
+
 namespace {
 
 bool IsAscii(StringView name) {

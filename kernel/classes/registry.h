@@ -137,9 +137,10 @@ class TVeskaClasses : public TOwnerEntity {
   // GetClass, raising EClassNotFound "Veska nenašel třídu " + name when unknown.
   virtual const ClassInfo* FindClass(StringView name);
 
-  // The registry lives until the process ends: a holder that is asked to free it (a world shows
-  // it as ObjectClasses, so a script can hand it to ElementToFree) only lets it go.
-  bool IsPossibleToFree() override { return false; }
+  // The process's registry lives until the process ends: a holder that is asked to free it (a
+  // world shows it as ObjectClasses, so a script can hand it to ElementToFree) only lets it go.
+  // Other class tables (a loader's declarations) are freed as any entity is.
+  bool IsPossibleToFree() override;
 
   // The position of a record of that name, or -1; insert_index tells where a new record of
   // that name belongs, -1 meaning the end.

@@ -1,6 +1,7 @@
 #include "kernel/persistence/vsk_info.h"
 
 #include "kernel/platform/file_bytes.h"
+#include "kernel/platform/streams.h"
 
 namespace veska {
 
@@ -31,8 +32,8 @@ void TLoadVSKInfo::DoIt() {
 std::pair<int32_t, StringView> TLoadVSKInfo::ReadHeader() {
   if (FileName.empty()) return {1, u"Chybné jméno souboru  !"};
   if (!FileExists(FileName)) return {2, u"Soubor  neexistuje!"};
-  OpenFile file(*this, FileName);
-  const std::string signature = file.ReadSignature();
+  OpenFile file(*this, std::make_unique<TFileStream>(FileName, TFileMode::fmOpenRead));
+  const std::string signature = Reader().ReadSignature();
   if (signature == kComponentSignature) return {3, u" ... stará verze VSK!"};
   if (signature != kVskSignature) return {4, u"MAGIC error ... Neznámý typ souboru!"};
   LoadInfo();
@@ -62,9 +63,7 @@ void TLoadVSKInfo::LoadInfo() {
   Comment = Reader().ReadString();
 }
 
-String TLoadVSKInfo::NumberToPropertyName(int32_t number) {
-  return number == 0 ? u"FileName" : u"ReturnInfoElement";
-}
+String TLoadVSKInfo::NumberToPropertyName(int32_t number) { return number == 0 ? u"FileName" : u"ReturnInfoElement"; }
 
 void TLoadVSKInfo::Publish(Publisher<TLoadVSKInfo>& p) {
   p.Property(u"Version", &TLoadVSKInfo::Version, &TLoadVSKInfo::SetVersion);

@@ -26,8 +26,8 @@ std::string ModelFile(std::string_view signature, StringView modul, StringView v
 
 // "error|text|modul|version|comment" of the tool, and of its info element when it made one.
 String Outcome(const TLoadVSKInfo& tool) {
-  String outcome = IntToStr(tool.Error) + u"|" + tool.ErrorText + u"|" + tool.Modul + u"|" + tool.Version + u"|" +
-                   tool.Comment;
+  String outcome =
+      IntToStr(tool.Error) + u"|" + tool.ErrorText + u"|" + tool.Modul + u"|" + tool.Version + u"|" + tool.Comment;
   if (const auto* info = ObjectAs<TVSKInfo>(tool.GetOutput())) {
     outcome += u" / " + IntToStr(info->Error) + u"|" + info->ErrorText + u"|" + info->Modul + u"|" + info->FileName;
   }
