@@ -205,8 +205,9 @@ TElement* TStreamLoader::ReadReference(int32_t number) {
       throw;
     }
     --nesting_;
+    // An inline list that made no element yet leaves the reference empty.
     TElement* inline_element = GetContainer()->Get(last_element_index_);
-    inline_element->ID = -1;  // as a new element has it
+    if (inline_element != nullptr) inline_element->ID = -1;  // as a new element has it
     property_counter_ = counter;
     actual_element_ = element;
     actual_class_ = declaration;

@@ -6,6 +6,7 @@
 #include <memory>
 #include <utility>
 
+#include "kernel/persistence/persistence_unit.h"
 #include "kernel/platform/exceptions.h"
 #include "kernel/platform/message_sink.h"
 #include "kernel/platform/streams.h"
@@ -124,15 +125,22 @@ TEST(StreamLoader, ReadsInlineElementsAndReportsBadReferences) {
     w.WriteInteger(1), w.WriteString(u"výběr");
   });
   file.Element(0, 2, [](TWriter& w) { w.WriteInteger(0), w.WriteInteger(99); });
+  // An inline list that makes no element refers to the element that the record before reported.
+  file.Element(0, 3, [](TWriter& w) {
+    w.WriteInteger(0), w.WriteInteger(-2), w.WriteListBegin(), w.WriteListEnd(), w.WriteInteger(1);
+    w.WriteString(u"prázdný");
+  });
   Loaded loaded(folder.Write("model.vsk", file.Bytes()));
   EXPECT_EQ(loaded.texts, Texts{u"Loader Error: TSelectTechnology ClassProperty ElseTool"});
-  ASSERT_EQ(loaded.container.ElementsCount(), 3);
   auto* selection = static_cast<TSelectTechnology*>(loaded.container.Get(0));
   ASSERT_NE(selection->GetElseTool(), nullptr);
   EXPECT_EQ(
       selection->GetName() + u" " + selection->GetElseTool()->GetName() + u" " + IntToStr(selection->GetElseTool()->ID),
       u"výběr jinak -1");
-  EXPECT_EQ(loaded.result, loaded.container.Get(2));
+  auto* empty = static_cast<TSelectTechnology*>(loaded.result);
+  EXPECT_EQ(loaded.container.ElementsCount(), 4);
+  EXPECT_EQ(empty->GetName(), u"prázdný");
+  EXPECT_EQ(empty->GetElseTool(), loaded.container.Get(2));
 }
 
 // Inline lists nested past the bound are reported and passed over as a failing record is.
@@ -155,6 +163,64 @@ TEST(StreamLoader, RefusesInlineListsNestedTooDeep) {
   EXPECT_EQ(loaded.texts.front(), u"Loader Error: element lists nested deeper than 256 levels");
   EXPECT_EQ(loaded.texts, Texts(loaded.texts.size(), loaded.texts.front()));  // nothing else
   EXPECT_EQ(loaded.container.ElementsCount(), 301);  // the records beyond are read where they stand
+}
+
+// "TPF0": what the element saves of itself (its class name first), or a class name alone.
+std::string OlderFile(StringView class_name, TElement* element) {
+  TMemoryStream stream;
+  {
+    TWriter writer(stream);
+    writer.WriteSignature("TPF0");
+    writer.WriteListBegin();
+    if (element != nullptr) {
+      element->Save(writer);
+    } else {
+      writer.WriteString(class_name);
+    }
+    writer.WriteListEnd();
+  }
+  const std::span<const std::byte> bytes = std::as_const(stream).Memory();
+  return std::string(reinterpret_cast<const char*>(bytes.data()), bytes.size());
+}
+
+TEST(StreamLoader, OpensModelFilesOnlyAndHandsOlderOnesToTheOlderLoader) {
+  test::TempFolder folder;
+  TLoad load;
+  const auto failure = [&](const String& file_name) {
+    load.SetFileName(file_name);
+    try {
+      load.DoIt();
+    } catch (const Exception& error) {
+      return error.Message();
+    }
+    return String(u"no failure");
+  };
+  EXPECT_EQ(failure(u""), u"Chybné jméno souboru :  !");
+  EXPECT_EQ(failure(folder.Path("missing.vsk")), u"Soubor " + folder.Path("missing.vsk") + u" neexistuje!");
+  EXPECT_EQ(failure(folder.Write("other.vsk", "PK\3\4")), folder.Path("other.vsk") + u" ... neznámý typ souboru");
+
+  TStringEntity saved;
+  saved.SetName(u"staré");
+  load.SetFileName(folder.Write("old.vsk", OlderFile(u"TStringEntity", &saved)));
+  load.DoIt();
+  std::unique_ptr<TElement> loaded(load.GetOutput());
+  ASSERT_NE(loaded, nullptr);
+  EXPECT_EQ(loaded->ClassName() + u" " + loaded->GetName(), u"TStringEntity staré");
+
+  CapturedMessages shown;
+  load.SetOutput(nullptr);
+  load.SetFileName(folder.Write("unknown.vsk", OlderFile(u"TNothing", nullptr)));
+  load.DoIt();
+  EXPECT_EQ(load.GetOutput(), nullptr);
+  EXPECT_EQ(shown.Texts(), Texts{u"Neregistrovaný element: TNothing"});
+}
+
+TEST(LoaderUnit, RegistersItsClassesInOrderAfterTheSortingTools) {
+  int32_t expected_id = VeskaClasses().GetVeskaClassByName(u"TSortElementsEx")->ID;
+  for (const ClassInfoSource class_info : kLoaderUnitClasses.classes) {
+    const TVeskaClass* record = VeskaClasses().GetVeskaClassByName(class_info().Name());
+    EXPECT_EQ(record != nullptr ? record->ID : -1, ++expected_id) << ToUtf8(class_info().Name());
+  }
 }
 
 }  // namespace
