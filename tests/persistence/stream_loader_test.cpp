@@ -9,62 +9,16 @@
 #include "kernel/persistence/persistence_unit.h"
 #include "kernel/platform/exceptions.h"
 #include "kernel/platform/message_sink.h"
-#include "kernel/platform/streams.h"
 #include "kernel/tools/technology.h"
+#include "tests/support/model_writer.h"
 #include "tests/support/recording_host.h"
 #include "tests/support/temp_folder.h"
 
 namespace veska {
 namespace {
 
+using test::ModelWriter;
 using Texts = std::vector<String>;
-
-// A VSK0 file written record by record, as a writer of model files writes one.
-class ModelWriter {
- public:
-  ModelWriter() : writer_(std::make_unique<TWriter>(stream_)) {
-    writer_->WriteSignature("VSK0");
-    for (StringView text : {u"Sklad", u"1.0", u""}) writer_->WriteString(text);
-    writer_->WriteListBegin();
-  }
-  TWriter& operator*() { return *writer_; }
-  // A class declaration: the name and its properties with their declared kinds.
-  void Class(StringView name, std::initializer_list<std::pair<StringView, int>> properties) {
-    writer_->WriteInteger(-1);
-    writer_->WriteString(name);
-    writer_->WriteInteger(0);
-    writer_->WriteListBegin();
-    for (const auto& [property, kind] : properties) {
-      writer_->WriteString(property);
-      writer_->WriteInteger(kind);
-    }
-    writer_->WriteListEnd();
-  }
-  // An element record; `values` writes the property numbers and values.
-  void Element(int class_number, int element_number, const std::function<void(TWriter&)>& values,
-               std::initializer_list<int> members = {}) {
-    writer_->WriteInteger(class_number);
-    writer_->WriteInteger(element_number);
-    writer_->WriteListBegin();
-    values(*writer_);
-    writer_->WriteListEnd();
-    writer_->WriteInteger(members.size() > 0 ? 1 : 0);
-    if (members.size() == 0) return;
-    writer_->WriteListBegin();
-    for (int member : members) writer_->WriteInteger(member);
-    writer_->WriteListEnd();
-  }
-  std::string Bytes() {
-    writer_->WriteListEnd();
-    writer_.reset();
-    const std::span<const std::byte> bytes = std::as_const(stream_).Memory();
-    return std::string(reinterpret_cast<const char*>(bytes.data()), bytes.size());
-  }
-
- private:
-  TMemoryStream stream_;
-  std::unique_ptr<TWriter> writer_;
-};
 
 // Loads the file into a container that owns what it loads, and notes the texts it posts.
 struct Loaded {
@@ -116,13 +70,11 @@ TEST(StreamLoader, ReadsInlineElementsAndReportsBadReferences) {
   test::TempFolder folder;
   ModelWriter file;
   file.Class(u"TSelectTechnology", {{u"ElseTool", 7}, {u"Name", 18}});
-  file.Element(0, 0, [](TWriter& w) {
+  file.Element(0, 0, [&](TWriter& w) {
     w.WriteInteger(0), w.WriteInteger(-2), w.WriteListBegin();
-    w.WriteInteger(-1), w.WriteString(u"TTool"), w.WriteInteger(0), w.WriteListBegin();
-    w.WriteString(u"Name"), w.WriteInteger(18), w.WriteListEnd();
-    w.WriteInteger(1), w.WriteInteger(1), w.WriteListBegin(), w.WriteInteger(0), w.WriteString(u"jinak");
-    w.WriteListEnd(), w.WriteInteger(0), w.WriteListEnd();
-    w.WriteInteger(1), w.WriteString(u"výběr");
+    file.Class(u"TTool", {{u"Name", 18}});
+    file.Element(1, 1, [](TWriter& inner) { inner.WriteInteger(0), inner.WriteString(u"jinak"); });
+    w.WriteListEnd(), w.WriteInteger(1), w.WriteString(u"výběr");
   });
   file.Element(0, 2, [](TWriter& w) { w.WriteInteger(0), w.WriteInteger(99); });
   // An inline list that makes no element refers to the element that the record before reported.
@@ -148,39 +100,24 @@ TEST(StreamLoader, RefusesInlineListsNestedTooDeep) {
   test::TempFolder folder;
   ModelWriter file;
   file.Class(u"TSelectTechnology", {{u"ElseTool", 7}});
-  std::function<void(TWriter&, int)> nest = [&](TWriter& w, int level) {
-    w.WriteInteger(0), w.WriteInteger(level), w.WriteListBegin(), w.WriteInteger(0);
-    if (level == 300) {
-      w.WriteInteger(-1);
-    } else {
-      w.WriteInteger(-2), w.WriteListBegin(), nest(w, level + 1), w.WriteListEnd();
-    }
-    w.WriteListEnd(), w.WriteInteger(0);
+  std::function<void(int)> nest = [&](int level) {
+    file.Element(0, level, [&](TWriter& w) {
+      w.WriteInteger(0), w.WriteInteger(level == 300 ? -1 : -2);
+      if (level < 300) w.WriteListBegin(), nest(level + 1), w.WriteListEnd();
+    });
   };
-  nest(*file, 0);
+  nest(0);
   Loaded loaded(folder.Write("deep.vsk", file.Bytes()));
-  ASSERT_FALSE(loaded.texts.empty());
-  EXPECT_EQ(loaded.texts.front(), u"Loader Error: element lists nested deeper than 256 levels");
-  EXPECT_EQ(loaded.texts, Texts(loaded.texts.size(), loaded.texts.front()));  // nothing else
+  ASSERT_FALSE(loaded.texts.empty());  // and nothing else
+  EXPECT_EQ(loaded.texts, Texts(loaded.texts.size(), u"Loader Error: element lists nested deeper than 256 levels"));
   EXPECT_EQ(loaded.container.ElementsCount(), 301);  // the records beyond are read where they stand
 }
 
-// "TPF0": what the element saves of itself (its class name first), or a class name alone.
-std::string OlderFile(StringView class_name, TElement* element) {
-  TMemoryStream stream;
-  {
-    TWriter writer(stream);
-    writer.WriteSignature("TPF0");
-    writer.WriteListBegin();
-    if (element != nullptr) {
-      element->Save(writer);
-    } else {
-      writer.WriteString(class_name);
-    }
-    writer.WriteListEnd();
-  }
-  const std::span<const std::byte> bytes = std::as_const(stream).Memory();
-  return std::string(reinterpret_cast<const char*>(bytes.data()), bytes.size());
+// "TPF0": the elements, each as it saves itself (its class name first).
+std::string OlderFile(const std::function<void(TWriter&)>& elements) {
+  ModelWriter file("TPF0", {});
+  elements(file.Writer());
+  return file.Bytes();
 }
 
 TEST(StreamLoader, OpensModelFilesOnlyAndHandsOlderOnesToTheOlderLoader) {
@@ -201,7 +138,7 @@ TEST(StreamLoader, OpensModelFilesOnlyAndHandsOlderOnesToTheOlderLoader) {
 
   TStringEntity saved;
   saved.SetName(u"staré");
-  load.SetFileName(folder.Write("old.vsk", OlderFile(u"TStringEntity", &saved)));
+  load.SetFileName(folder.Write("old.vsk", OlderFile([&](TWriter& w) { saved.Save(w); })));
   load.DoIt();
   std::unique_ptr<TElement> loaded(load.GetOutput());
   ASSERT_NE(loaded, nullptr);
@@ -209,7 +146,7 @@ TEST(StreamLoader, OpensModelFilesOnlyAndHandsOlderOnesToTheOlderLoader) {
 
   CapturedMessages shown;
   load.SetOutput(nullptr);
-  load.SetFileName(folder.Write("unknown.vsk", OlderFile(u"TNothing", nullptr)));
+  load.SetFileName(folder.Write("unknown.vsk", OlderFile([](TWriter& w) { w.WriteString(u"TNothing"); })));
   load.DoIt();
   EXPECT_EQ(load.GetOutput(), nullptr);
   EXPECT_EQ(shown.Texts(), Texts{u"Neregistrovaný element: TNothing"});

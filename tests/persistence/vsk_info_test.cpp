@@ -3,26 +3,13 @@
 #include <gtest/gtest.h>
 
 #include <memory>
-#include <utility>
 
 #include "kernel/platform/exceptions.h"
-#include "kernel/platform/streams.h"
+#include "tests/support/model_writer.h"
 #include "tests/support/temp_folder.h"
 
 namespace veska {
 namespace {
-
-// A model file's signature and header, as a writer of model files writes them.
-std::string ModelFile(std::string_view signature, StringView modul, StringView version, StringView comment) {
-  TMemoryStream stream;
-  {
-    TWriter writer(stream);
-    writer.WriteSignature(signature);
-    for (StringView text : {modul, version, comment}) writer.WriteString(text);
-  }
-  const std::span<const std::byte> bytes = std::as_const(stream).Memory();
-  return std::string(reinterpret_cast<const char*>(bytes.data()), bytes.size());
-}
 
 // "error|text|modul|version|comment" of the tool, and of its info element when it made one.
 String Outcome(const TLoadVSKInfo& tool) {
@@ -36,8 +23,9 @@ String Outcome(const TLoadVSKInfo& tool) {
 
 TEST(LoadVSKInfo, ReportsTheHeaderOrWhyThereIsNoneWithItsFixedTexts) {
   test::TempFolder folder;
-  const String model = folder.Write("model.vsk", ModelFile("VSK0", u"Sklad", u"2.1", u"Žluťoučký kůň"));
-  const String old = folder.Write("old.vsk", ModelFile("TPF0", u"a", u"b", u"c"));
+  const String model =
+      folder.Write("model.vsk", test::ModelWriter("VSK0", {u"Sklad", u"2.1", u"Žluťoučký kůň"}).Bytes());
+  const String old = folder.Write("old.vsk", test::ModelWriter("TPF0").Bytes());
   const String other = folder.Write("other.vsk", "PK\3\4 and more");
   const std::pair<String, String> cases[] = {
       {model, u"0|OK|Sklad|2.1|Žluťoučký kůň"},
@@ -63,7 +51,7 @@ TEST(LoadVSKInfo, ReportsTheHeaderOrWhyThereIsNoneWithItsFixedTexts) {
   std::unique_ptr<TElement> second(tool.GetOutput());
   EXPECT_EQ(Outcome(tool), u"1|Chybné jméno souboru  !||| / 1|Chybné jméno souboru  !||");
 
-  tool.SetFileName(folder.Write("cut.vsk", ModelFile("VSK0", u"Sklad", u"2.1", u"x").substr(0, 9)));
+  tool.SetFileName(folder.Write("cut.vsk", test::ModelWriter().Bytes().substr(0, 9)));
   EXPECT_THROW(tool.DoIt(), EReadError);  // a header cut short
   std::unique_ptr<TElement> third(tool.GetOutput());
 }
