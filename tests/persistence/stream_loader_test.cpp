@@ -113,6 +113,28 @@ TEST(StreamLoader, RefusesInlineListsNestedTooDeep) {
   EXPECT_EQ(loaded.container.ElementsCount(), 301);  // the records beyond are read where they stand
 }
 
+// Progress moves at stream positions divisible by 200 only; a record that fails (a float beyond
+// 32 bits for an integer) is passed over where it failed.
+TEST(StreamLoader, ShowsProgressAt200ByteStepsAndPassesOverAFailingRecord) {
+  test::TempFolder folder;
+  const auto model = [](std::size_t padding, bool second) {
+    ModelWriter file;
+    file.Class(u"TStringEntity", {{u"Name", 18}, {u"ID", 4}});
+    file.Element(0, 0, [&](TWriter& w) { w.WriteInteger(0), w.WriteString(String(padding, u'x')); });
+    if (second) file.Element(0, 1, [](TWriter& w) { w.WriteInteger(1), w.WriteFloat(3e9); });
+    return file.Bytes();
+  };
+  const std::size_t padding = 200 - (model(0, false).size() - 1);  // the first record ends at 200
+  const std::string bytes = model(padding, true);
+  Loaded loaded(folder.Write("model.vsk", bytes));
+  EXPECT_EQ(loaded.host.delivered[0], u"10 TLoad>- - ");
+  EXPECT_EQ(loaded.host.delivered[2] + loaded.host.delivered[3],
+            u"11 TLoad>- - 14 TLoad>- - 200 bytů z celkových " + IntToStr(int(bytes.size())));
+  ASSERT_EQ(loaded.container.ElementsCount(), 2);
+  EXPECT_EQ(loaded.container.Get(1)->GetName() + IntToStr(loaded.container.Get(1)->ID),
+            u"TStringEntity-1");  // no name, no ID
+}
+
 // "TPF0": the elements, each as it saves itself (its class name first).
 std::string OlderFile(const std::function<void(TWriter&)>& elements) {
   ModelWriter file("TPF0", {});
