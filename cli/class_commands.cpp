@@ -1,24 +1,10 @@
 #include "cli/class_commands.h"
 
-#include <string>
-
+#include "cli/tab_line.h"
 #include "kernel/classes/registry.h"
 
 namespace veska::cli {
 namespace {
-
-// Joins the fields with tabs and writes them as one UTF-8 line.
-void WriteLine(std::FILE* out, std::initializer_list<String> fields) {
-  std::string line;
-  const char* separator = "";
-  for (const String& field : fields) {
-    line += separator;
-    line += ToUtf8(field);
-    separator = "\t";
-  }
-  line += '\n';
-  std::fputs(line.c_str(), out);
-}
 
 String AccessText(const TVeskaClass& record, int index) {
   if (record.GetPropertyIsReadOnly(index)) return u"R";
@@ -33,8 +19,8 @@ void ListClasses(std::FILE* out) {
   for (int i = 0; i < registry.ElementsCount(); ++i) {
     const auto* record = dynamic_cast<const TVeskaClass*>(registry.Get(i));
     if (record == nullptr) continue;
-    WriteLine(out, {IntToStr(record->ID), record->GetName(), record->GetAncestorClassName(),
-                    IntToStr(record->PropCount), record->GetUnit_Name()});
+    WriteTabLine(out, {IntToStr(record->ID), record->GetName(), record->GetAncestorClassName(),
+                       IntToStr(record->PropCount), record->GetUnit_Name()});
   }
 }
 
@@ -45,8 +31,9 @@ void ShowClass(std::string_view name, std::FILE* out) {
   if (cls == nullptr) cls = FindVeskaClass(wanted);
   const TVeskaClass* record = VeskaClasses().GetVeskaClassByName(cls->Name());
   for (int i = 0; record->HasPropertyTable() && i < record->PropCount; ++i) {
-    WriteLine(out, {IntToStr(i), record->GetPropertyName(i), IntToStr(static_cast<int>(record->GetPropertyTypeKind(i))),
-                    AccessText(*record, i), record->GetPropertyStored(i) ? u"stored" : u"not stored"});
+    WriteTabLine(out,
+                 {IntToStr(i), record->GetPropertyName(i), IntToStr(static_cast<int>(record->GetPropertyTypeKind(i))),
+                  AccessText(*record, i), record->GetPropertyStored(i) ? u"stored" : u"not stored"});
   }
 }
 

@@ -24,6 +24,7 @@
 #include "cli/console_host.h"
 #include "cli/element_shell.h"
 #include "cli/make_elements.h"
+#include "cli/model_file_commands.h"
 #include "cli/tool_runner.h"
 #include "cli/usage_error.h"
 #include "kernel/classes/registry.h"
@@ -42,6 +43,7 @@ constexpr std::string_view kUsage =
     "  classes     list the registered classes, sorted by name: ID, name, ancestor, property\n"
     "              count, unit\n"
     "  class NAME  list the properties of a class: index, name, type kind, access, stored\n"
+    "  info FILE   print a model file's header: module, version, comment, error code, error text\n"
     "  new CLASS [ARG]...\n"
     "              create an element and work on it, argument by argument:\n"
     "                NAME=VALUE        write a property as text\n"
@@ -80,6 +82,7 @@ constexpr Command kCommands[] = {
     {"help", "", 0, 0, [](Operands) { std::fputs(kUsage.data(), stdout); }},
     {"classes", "", 0, 0, [](Operands) { veska::cli::ListClasses(stdout); }},
     {"class", "NAME", 1, 1, [](Operands operands) { veska::cli::ShowClass(operands[0], stdout); }},
+    {"info", "FILE", 1, 1, [](Operands operands) { veska::cli::ShowModelInfo(operands[0], stdout); }},
     // "new" checks its own arguments before it creates anything: they are a small language.
     {"new", "CLASS", 1, kAny,
      [](Operands operands) { veska::cli::RunElementShell(veska::cli::ParseShellArguments(operands), stdout); }},

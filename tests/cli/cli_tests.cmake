@@ -55,6 +55,9 @@ veska_cli_case(run_progress_bar 0
                "^${bar}------------------------------\\]   0%.*${bar}##############################\\] 100%[^\r]*\r[^\r]*Output=TOwnerEntity:elements\r\nError=0\r\n$"
                ${none} TERMINAL ARGS run TMakeElements Amount=5000)
 veska_cli_case(run_quiet 0 "^Output=TOwnerEntity:elements\r\nError=0\r\n$" ${none} TERMINAL ARGS --quiet run TMakeElements Amount=5000)
+# The header of a model file, and why there is none.
+veska_cli_case(info 0 "^Sklad\t2\\.1\tKůň!\t0\tOK\n$" ${none} ARGS info ${CMAKE_CURRENT_LIST_DIR}/data/header.vsk)
+veska_cli_case(info_missing 1 "^\t\t\t2\tSoubor  neexistuje!\n$" ${none} ARGS info missing.vsk)
 veska_cli_case(help 0 "^usage: veska \\[-q\\] COMMAND" ${none} ARGS help)
 veska_cli_case(help_option 0 "^usage: veska \\[-q\\] COMMAND" ${none} ARGS -h)
 veska_cli_case(version 0 "^veska ${PROJECT_VERSION}\n$" ${none} ARGS version)
