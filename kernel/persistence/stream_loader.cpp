@@ -10,6 +10,7 @@
 #include "kernel/platform/float_text.h"
 #include "kernel/platform/message_sink.h"
 #include "kernel/platform/object_handles.h"
+#include "kernel/platform/scoped_value.h"
 #include "kernel/platform/streams.h"
 #include "kernel/text/string_numbers.h"
 
@@ -194,21 +195,15 @@ TElement* TStreamLoader::ReadReference(int32_t number) {
       Report(u"Loader Error: element lists nested deeper than " + IntToStr(kMaxNesting) + u" levels");
       throw EReadError(u"Element lists nested too deep");
     }
-    const int32_t counter = property_counter_;
     TElement* element = actual_element_;
     TVeskaClass* declaration = actual_class_;
-    ++nesting_;
-    try {
+    {
+      const ScopedValue deeper(nesting_, nesting_ + 1);
       LoadAll();
-    } catch (...) {
-      --nesting_;
-      throw;
     }
-    --nesting_;
     // An inline list that made no element yet leaves the reference empty.
     TElement* inline_element = GetContainer()->Get(last_element_index_);
     if (inline_element != nullptr) inline_element->ID = -1;  // as a new element has it
-    property_counter_ = counter;
     actual_element_ = element;
     actual_class_ = declaration;
     instance_->SetInstance(element);

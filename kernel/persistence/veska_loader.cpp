@@ -96,7 +96,6 @@ void TVeskaLoader::AddClass(const String& name) {
   auto* declaration = new TVeskaClass;
   actual_class_ = declaration;
   classes_->AddElement(declaration);
-  property_counter_ = 0;
   if (const ClassInfo* registered = GetVeskaClass(name)) {
     declaration->SetElementClass(registered);
     return;
@@ -134,7 +133,6 @@ void TVeskaLoader::AddClassProperty(const String& name, int32_t declared_kind) {
       Report(class_name + u" property \"" + name + u"\" is Read or Write Only!");
     }
   }
-  ++property_counter_;
 }
 
 // The compatibility rule, step by step; a conversion is reported and marked on the declaration.
@@ -175,7 +173,6 @@ void TVeskaLoader::NewElement(int32_t class_number) {
   instance_->SetInstance(element);
   actual_element_ = element;
   loaded_->AddElement(element);
-  property_counter_ = 0;
 }
 
 TVeskaClassProperty* TVeskaLoader::Declaration(int32_t number) const {

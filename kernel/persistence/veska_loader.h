@@ -76,7 +76,6 @@ class TVeskaLoader : public TTool {
   void Report(const String& text) { PostTextMsg(tm_Text, text, nullptr); }
 
   // The state of a run, as the records read so far leave it.
-  int32_t property_counter_ = 0;
   TElement* actual_element_ = nullptr;
   TVeskaClass* actual_class_ = nullptr;
   TVeskaInstance* instance_ = nullptr;  // one of the loader's own elements

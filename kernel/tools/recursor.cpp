@@ -2,6 +2,8 @@
 
 #include <utility>
 
+#include "kernel/platform/scoped_value.h"
+
 namespace veska {
 
 void TRecursor::DoIt() {
@@ -28,14 +30,10 @@ void TRecursor::GoInside(TElement* element) {
 TRecursor::Visit TRecursor::Enter(TElement* element) {
   if (QProcessBefore(element)) Process(element);
   opened_ = nullptr;
-  const bool was_walking = std::exchange(walking_, true);
-  try {
+  {
+    const ScopedValue walking(walking_, true);
     if (QGoInside(element)) GoInside(element);
-  } catch (...) {
-    walking_ = was_walking;
-    throw;
   }
-  walking_ = was_walking;
   TEntity* members = std::exchange(opened_, nullptr);
   return Visit{element, members, 0, members != nullptr ? members->ElementsCount() : 0};
 }
