@@ -31,6 +31,8 @@ constexpr UnitClasses kStartUpTable[] = {
     // the file-system, memory and ini-file elements come here
     kSortingToolsUnitClasses,
     kLoaderUnitClasses,
+    // the XML units, then the environment elements come here
+    kSaverUnitClasses,  // the library's own additions, last
 };
 
 void RegisterLibraryUnits(TVeskaClasses& registry) {
