@@ -28,11 +28,8 @@ struct Loaded {
     load.SetFileName(file_name);
     load.SetContainerEntity(&container);
     load.DoIt();
-    host.ProcessMessages();
     result = load.GetOutput();
-    for (const String& text : host.delivered) {
-      if (text.starts_with(u"8 ")) texts.push_back(text.substr(text.find(u"- - ") + 4));
-    }
+    texts = host.TextMessages();
   }
   test::RecordingHost host;
   TOwnerEntity container;

@@ -28,6 +28,15 @@ struct RecordingHost : TApplication {
       return taken != nullptr;
     });
   }
+  // The texts of the level-8 text messages delivered so far, after delivering what is posted.
+  std::vector<String> TextMessages() {
+    ProcessMessages();
+    std::vector<String> texts;
+    for (const String& line : delivered) {
+      if (line.starts_with(u"8 ")) texts.push_back(line.substr(line.find(u"- - ") + 4));
+    }
+    return texts;
+  }
   std::vector<String> delivered;
 };
 
