@@ -19,6 +19,7 @@
 #include <span>
 #include <string>
 #include <string_view>
+#include <vector>
 
 #include "cli/class_commands.h"
 #include "cli/console_host.h"
@@ -44,6 +45,11 @@ constexpr std::string_view kUsage =
     "              count, unit\n"
     "  class NAME  list the properties of a class: index, name, type kind, access, stored\n"
     "  info FILE   print a model file's header: module, version, comment, error code, error text\n"
+    "  tree [--json] FILE\n"
+    "              load a model file and print its tree: one line per element (class, name,\n"
+    "              stored properties), or one JSON document\n"
+    "  convert IN OUT\n"
+    "              load the model file IN and write its model to OUT\n"
     "  new CLASS [ARG]...\n"
     "              create an element and work on it, argument by argument:\n"
     "                NAME=VALUE        write a property as text\n"
@@ -77,12 +83,32 @@ struct Command {
 
 constexpr std::size_t kAny = std::numeric_limits<std::size_t>::max();
 
+// "tree [--json] FILE", the option before or after the file.
+void RunTree(Operands operands) {
+  bool json = false;
+  std::vector<std::string_view> files;
+  for (std::string_view operand : operands) {
+    if (operand == "--json") {
+      json = true;
+    } else if (operand.starts_with('-') && operand.size() > 1) {
+      throw veska::cli::UsageError("unknown option '" + std::string(operand) + "'");
+    } else {
+      files.push_back(operand);
+    }
+  }
+  if (files.empty()) throw veska::cli::UsageError("missing FILE");
+  if (files.size() > 1) throw veska::cli::UsageError("unexpected argument '" + std::string(files[1]) + "'");
+  veska::cli::ShowModelTree(files[0], json, stdout);
+}
+
 constexpr Command kCommands[] = {
     {"version", "", 0, 0, [](Operands) { std::printf("veska %s\n", VESKA_VERSION_STRING); }},
     {"help", "", 0, 0, [](Operands) { std::fputs(kUsage.data(), stdout); }},
     {"classes", "", 0, 0, [](Operands) { veska::cli::ListClasses(stdout); }},
     {"class", "NAME", 1, 1, [](Operands operands) { veska::cli::ShowClass(operands[0], stdout); }},
     {"info", "FILE", 1, 1, [](Operands operands) { veska::cli::ShowModelInfo(operands[0], stdout); }},
+    {"tree", "FILE", 1, 2, [](Operands operands) { RunTree(operands); }},
+    {"convert", "IN OUT", 2, 2, [](Operands operands) { veska::cli::ConvertModel(operands[0], operands[1]); }},
     // "new" checks its own arguments before it creates anything: they are a small language.
     {"new", "CLASS", 1, kAny,
      [](Operands operands) { veska::cli::RunElementShell(veska::cli::ParseShellArguments(operands), stdout); }},

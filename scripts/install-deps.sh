@@ -6,7 +6,7 @@
 set -euo pipefail
 
 packages=(g++ clang cmake make libicu-dev googletest libgtest-dev libgmock-dev libbenchmark-dev
-          libclang-rt-dev pkg-config)
+          libclang-rt-dev pkg-config nlohmann-json3-dev)
 if [ "${1:-}" = "--bench" ]; then
   packages+=(librttr-dev)
 fi

@@ -501,4 +501,16 @@ TEntity* TEnvelopeEntity::FindOwnerClass(const ClassInfo& cls) const {
   return nullptr;
 }
 
+void FreeElementSet(std::span<TElement* const> elements) {
+  std::unordered_set<const TElement*> listed;
+  for (TElement* element : elements) {
+    if (auto* entity = ObjectAs<TEntity>(element)) {
+      for (int i = 0; i < entity->ElementsCount(); ++i) listed.insert(entity->Get(i));
+    }
+  }
+  for (TElement* element : elements) {
+    if (!listed.contains(element)) delete element;
+  }
+}
+
 }  // namespace veska

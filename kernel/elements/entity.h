@@ -5,6 +5,7 @@
 
 #include <functional>
 #include <memory>
+#include <span>
 
 #include "kernel/elements/element.h"
 
@@ -130,5 +131,10 @@ class TEnvelopeEntity : public TEntity {
  private:
   TEntity* owner_ = nullptr;  // the wrapped entity; not owned
 };
+
+// Frees a set of elements that may list one another, such as everything a loader made: the
+// elements that no entity of the set lists are freed, and their members go with them.  An
+// element listed by two entities of the set is freed once only if it keeps its owners.
+void FreeElementSet(std::span<TElement* const> elements);
 
 }  // namespace veska

@@ -53,6 +53,7 @@ void TStreamLoader::DoIt() {
 void TStreamLoader::UseOldLoader() {
   TLoader loader;
   loader.SetName(FileName);
+  loader.SetContainerEntity(GetContainerEntity());
   loader.DoIt();
   SetOutput(loader.GetOutput());
 }
@@ -254,6 +255,9 @@ void TLoader::DoIt() {
     return;
   }
   if (!loaded.NoElements()) SetOutput(loaded.Get(loaded.GetLastIndex()));
+  if (TEntity* container = container_entity_.Get()) {
+    for (int i = 0; i < loaded.ElementsCount(); ++i) container->AddElement(loaded.Get(i));
+  }
   loaded.Clear();
   Application().SetCursor(TCursor::Default);
 }

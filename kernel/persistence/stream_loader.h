@@ -81,13 +81,20 @@ class TLoad : public TStreamLoader {
 // The loader of the older "TPF0" files: a list of elements, each its class name followed by
 // what the element's own Load reads.  Its Name is the file's name ("VESKA.VSK" at first).  An
 // unregistered class ends the reading without a result, with the error "Neregistrovaný element:
-// NAME"; an element that fails to read ends it with "Chyba při čtení elementu: NAME".
+// NAME"; an element that fails to read ends it with "Chyba při čtení elementu: NAME".  Either
+// way the elements read before are freed.
 class TLoader : public TTool {
   VESKA_CLASS(TLoader, TTool, kLoaderUnit)
  public:
   TLoader();
   // EBadStreamName "Chybné jméno streamu : NAME !" without a name.
   void DoIt() override;
+  // An entity that receives every element of a file that loads; without one, the elements that
+  // the result does not hold belong to no one.  A stream loader passes its ContainerEntity on.
+  void SetContainerEntity(TEntity* entity) { container_entity_ = entity; }
+
+ private:
+  WeakRef<TEntity> container_entity_;
 };
 
 }  // namespace veska

@@ -37,14 +37,6 @@ bool IsCarriedKind(TTypeKind kind) {
   }
 }
 
-bool IsWrittenProperty(const PropInfo& property) {
-  if (property.Stored().IsConstantFalse() || !property.CanRead() || !property.CanWrite()) return false;
-  if (property.Kind() != TTypeKind::tkClass) return IsCarriedKind(property.Kind());
-  const ClassInfo* referenced = property.PropType().ClassType != nullptr ? property.PropType().ClassType() : nullptr;
-  return referenced == nullptr || referenced->InheritsFrom(TElement::StaticClassInfo()) ||
-         TElement::StaticClassInfo().InheritsFrom(*referenced);
-}
-
 // A class as the file declares it: its number, once declared, and the properties it writes.
 struct ClassLayout {
   int32_t number = -1;
@@ -89,7 +81,7 @@ class ModelWriter {
     const auto [found, added] = layouts_.try_emplace(&cls);
     if (added) {
       for (const PropInfo* property : cls.Properties()) {
-        if (!IsWrittenProperty(*property)) continue;
+        if (!IsModelFileProperty(*property)) continue;
         found->second.properties.push_back(property);
         if (property->Kind() == TTypeKind::tkClass) found->second.references.push_back(property);
       }
@@ -293,6 +285,14 @@ class ModelWriter {
 };
 
 }  // namespace
+
+bool IsModelFileProperty(const PropInfo& property) {
+  if (property.Stored().IsConstantFalse() || !property.CanRead() || !property.CanWrite()) return false;
+  if (property.Kind() != TTypeKind::tkClass) return IsCarriedKind(property.Kind());
+  const ClassInfo* referenced = property.PropType().ClassType != nullptr ? property.PropType().ClassType() : nullptr;
+  return referenced == nullptr || referenced->InheritsFrom(TElement::StaticClassInfo()) ||
+         TElement::StaticClassInfo().InheritsFrom(*referenced);
+}
 
 void TStreamSaver::DoIt() {
   if (FileName.empty()) throw EBadStreamName(u"Chybné jméno souboru : " + FileName + u" !");

@@ -27,8 +27,13 @@
 namespace veska {
 
 class TStream;
+class PropInfo;
 
 inline constexpr std::u16string_view kSaverUnit = u"Saver";
+
+// Whether model files store the property, for the elements whose stored predicate holds: it is
+// published, stored, readable and writable, and of a kind an element record carries.
+bool IsModelFileProperty(const PropInfo& property);
 
 class TStreamSaver : public TTool {
   VESKA_CLASS(TStreamSaver, TTool, kSaverUnit)
