@@ -58,6 +58,37 @@ veska_cli_case(run_quiet 0 "^Output=TOwnerEntity:elements\r\nError=0\r\n$" ${non
 # The header of a model file, and why there is none.
 veska_cli_case(info 0 "^Sklad\t2\\.1\tKůň!\t0\tOK\n$" ${none} ARGS info ${CMAKE_CURRENT_LIST_DIR}/data/header.vsk)
 veska_cli_case(info_missing 1 "^\t\t\t2\tSoubor  neexistuje!\n$" ${none} ARGS info missing.vsk)
+# A model file as a tree: members indented, references as paths ("#1": an element no entity
+# lists), a member listed twice shown again by its first place, escapes in names.
+set(data ${CMAKE_CURRENT_LIST_DIR}/data)
+set(model_tree "^TOwnerEntity\tSklad\tID=-1\n  TOwnerEntity\tRegál\\\\t1\tID=-1\n    TIntegerElement\tPočet\tID=-1\tValue=12\n\
+    TStringElement\tŠtítek\tID=-1\tValue=křehké\n  TPointerElement\todkaz\tID=-1\taClassName=\t_Element=/0/0\n\
+  TPointerElement\tdaleko\tID=-1\taClassName=\t_Element=#1\n  TQuickEntity\tTQuickEntity\tID=-1\n\
+    TStringElement\tŠtítek\t@/0/1\nTStringElement\tpoznámka\tID=-1\tValue=mimo\n$")
+veska_cli_case(tree 0 "${model_tree}" ${none} ARGS tree ${data}/model.vsk)
+set(old_class_texts "^veska: TIntegerElement lost property: Gone\nveska: TIntegerElement property \"Value\" type conv\.: tkFloat to tkInteger\n$")
+veska_cli_case(tree_progress 0 "^\rNačítání modelu ze souboru [^\r]*model\\.vsk \\[-*[^\r]*\r[^\r]*TOwnerEntity\tSklad\tID=-1\r\n"
+               ${none} TERMINAL ARGS tree ${data}/model.vsk)
+veska_cli_case(tree_old_class 0 "^TIntegerElement\tstaré\tID=-1\tValue=2\n$" ${old_class_texts} ARGS tree ${data}/old_class.vsk)
+veska_cli_case(tree_older_format 0 "^TNameElement\tdruhý\tID=-1\n$" ${none} ARGS tree ${data}/older.tpf)
+veska_cli_case(tree_missing 1 ${none} "^veska: Soubor missing\.vsk neexistuje!\n$" ARGS tree missing.vsk)
+veska_cli_case(tree_json 0 "^{\n  \"file\": \"[^\n]*old_class\.vsk\",\n  \"result\": {\n    \"class\": \"TIntegerElement\",\n\
+    \"name\": \"staré\"\n  },\n  \"error\": null,\n  \"diagnostics\": \\[\n    {\n      \"level\": 8,\n\
+      \"text\": \"TIntegerElement lost property: Gone\"\n    },\n    {\n      \"level\": 8,\n\
+      \"text\": \"TIntegerElement property \\\\\"Value\\\\\" type conv\\.: tkFloat to tkInteger\"\n    }\n  \\],\n\
+  \"root\": {\n    \"class\": \"TIntegerElement\",\n    \"name\": \"staré\",\n    \"properties\": {\n\
+      \"ID\": \"-1\",\n      \"Name\": \"staré\",\n      \"Value\": \"2\"\n    },\n    \"children\": \\[\\]\n  },\n\
+  \"unlisted\": \\[\\]\n}\n$" ${none} ARGS tree --json ${data}/old_class.vsk)
+veska_cli_case(tree_json_paths 0 "\"_Element\": \"#1\".*\"same_as\": \"/0/1\".*\"unlisted\": \\[\n    {\n      \"class\": \"TStringElement\",\n      \"name\": \"poznámka\""
+               ${none} ARGS tree ${data}/model.vsk --json)
+veska_cli_case(tree_json_missing 1 "\"result\": null,\n  \"error\": \"Soubor missing\.vsk neexistuje!\",\n  \"diagnostics\": \\[\\],\n  \"root\": null,"
+               ${none} ARGS tree --json missing.vsk)
+# A conversion writes the same model: the copy prints the same tree.
+veska_cli_case(convert 0 ${none} ${none} ARGS convert ${data}/model.vsk ${CMAKE_CURRENT_BINARY_DIR}/converted.vsk)
+veska_cli_case(tree_converted 0 "${model_tree}" ${none} ARGS tree ${CMAKE_CURRENT_BINARY_DIR}/converted.vsk)
+set_tests_properties(cli.convert PROPERTIES FIXTURES_SETUP converted_model)
+set_tests_properties(cli.tree_converted PROPERTIES FIXTURES_REQUIRED converted_model)
+veska_cli_case(convert_nothing 1 ${none} "^veska: Soubor missing\.vsk neexistuje!\n$" ARGS convert missing.vsk out.vsk)
 veska_cli_case(help 0 "^usage: veska \\[-q\\] COMMAND" ${none} ARGS help)
 veska_cli_case(help_option 0 "^usage: veska \\[-q\\] COMMAND" ${none} ARGS -h)
 veska_cli_case(version 0 "^veska ${PROJECT_VERSION}\n$" ${none} ARGS version)
@@ -85,6 +116,9 @@ veska_cli_case(usage_unknown_command 2 ${none} "^veska: unknown command 'frob'${
 veska_cli_case(usage_unknown_option 2 ${none} "^veska: unknown option '-x'${hint}" ARGS -x)
 veska_cli_case(usage_missing_operand 2 ${none} "^veska: class: missing NAME${hint}" ARGS class)
 veska_cli_case(usage_extra_operand 2 ${none} "^veska: classes: unexpected argument 'x'${hint}" ARGS classes x)
+veska_cli_case(usage_tree_missing_file 2 ${none} "^veska: tree: missing FILE${hint}" ARGS tree --json)
+veska_cli_case(usage_tree_two_files 2 ${none} "^veska: tree: unexpected argument 'b'${hint}" ARGS tree a b)
+veska_cli_case(usage_convert_missing 2 ${none} "^veska: convert: missing IN OUT${hint}" ARGS convert a)
 veska_cli_case(usage_new_missing_class 2 ${none} "^veska: new: missing CLASS${hint}" ARGS new)
 veska_cli_case(usage_new_option_operand 2 ${none} "^veska: new: --get needs an argument${hint}"
                ARGS new TEntity --list ELEMENT.Name --get)
