@@ -9,6 +9,7 @@
 #include "kernel/platform/application.h"
 #include "kernel/platform/exceptions.h"
 #include "kernel/platform/prop_info.h"
+#include "kernel/platform/scoped_value.h"
 #include "kernel/platform/streams.h"
 #include "kernel/platform/typed_value_stream.h"
 #include "kernel/text/string_numbers.h"
@@ -18,6 +19,9 @@ namespace {
 
 // The progress moves every this many records.
 constexpr int32_t kProgressStep = 4096;
+// Records are written ahead of the one that needs them only where members and references form a
+// cycle; a chain of such records deeper than this is refused rather than let run off the stack.
+constexpr int kMaxWriteDepth = 4096;
 
 // The kinds an element record carries a value of.
 bool IsCarriedKind(TTypeKind kind) {
@@ -144,6 +148,8 @@ class ModelWriter {
   // members and references form a cycle) and, for the root, after what it refers to.
   void WriteElement(uint32_t node) {
     if (Written(node)) return;
+    if (depth_ >= kMaxWriteDepth) throw EWriteError(u"Elements refer back to their holders too deep to be written");
+    const ScopedValue deeper(depth_, depth_ + 1);
     nodes_[node].pending = true;
     if (TEntity* members = Members(nodes_[node])) {
       for (int i = 0; i < members->ElementsCount(); ++i) {
@@ -281,7 +287,8 @@ class ModelWriter {
   std::unordered_map<const ClassInfo*, ClassLayout> layouts_;
   int32_t next_number_ = 0;
   int32_t next_class_ = 0;
-  int nesting_ = 0;
+  int nesting_ = 0;  // inline lists
+  int depth_ = 0;    // records being written
 };
 
 }  // namespace

@@ -18,8 +18,9 @@
 //   - a reference to the root from another element ("CLASS property \"NAME\" refers to the root");
 //   - a reference back to an element whose inline record is still being prepared, and a member
 //     that cannot be created before the entity that lists it ("... left out").
-// Inline records nest at most TStreamLoader::kMaxNesting deep, as the loader reads them; a model
-// that needs more raises EWriteError, and nothing is written.
+// Inline records nest at most TStreamLoader::kMaxNesting deep, as the loader reads them, and
+// records written ahead of a cycle at most 4096 deep; a model that needs more raises EWriteError,
+// and nothing is written.
 #pragma once
 
 #include "kernel/persistence/veska_loader.h"
