@@ -65,5 +65,6 @@
 // Model files.
 #include "kernel/persistence/persistence_unit.h"
 #include "kernel/persistence/stream_loader.h"
+#include "kernel/persistence/stream_saver.h"
 #include "kernel/persistence/veska_loader.h"
 #include "kernel/persistence/vsk_info.h"

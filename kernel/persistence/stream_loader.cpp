@@ -2,6 +2,7 @@
 
 #include <cmath>
 #include <exception>
+#include <vector>
 
 #include "kernel/elements/entity.h"
 #include "kernel/platform/application.h"
@@ -19,6 +20,14 @@ namespace {
 
 // The progress display moves only at stream positions divisible by this, as it always has.
 constexpr int64_t kGaugeStep = 200;
+
+// The members of a list, which it no longer lists.
+std::vector<TElement*> TakeElements(TEntity& list) {
+  std::vector<TElement*> elements;
+  for (int i = 0; i < list.ElementsCount(); ++i) elements.push_back(list.Get(i));
+  list.Clear();
+  return elements;
+}
 
 }  // namespace
 
@@ -163,10 +172,12 @@ void TStreamLoader::LoadProperties() {
       case 5:
       case 10:
       case 18: {
-        const String text = reader.ReadString();
+        String text = reader.ReadString();
         const TTypeKind kind = current == TTypeKind::tkUString ? TTypeKind::tkUString : declaration->LostTypeKind;
         if (!converted) {
-          SetProperty(number, kind, text);
+          // Moved into the buffer: names and texts are most of a file's values, and a copy each
+          // would cost an allocation.
+          SetProperty(number, kind, TPropertyBuffer(std::move(text)));
         } else if (current == TTypeKind::tkInteger || current == TTypeKind::tkEnumeration ||
                    current == TTypeKind::tkSet) {
           SetProperty(number, current, TryStrToLongInt(text).value_or(0));
@@ -230,8 +241,14 @@ void TLoader::DoIt() {
   const String file_name = GetName();
   if (file_name.empty()) throw EBadStreamName(u"Chybné jméno streamu : " + file_name + u" !");
   Application().SetCursor(TCursor::HourGlass);
-  TQuickEntity loaded;
+  TQuickEntity loaded;  // the table references are read from; emptied before it goes
   String class_name;
+  const auto fail = [&](const String& text) {
+    // What was read before goes as a set: an entity among it frees its members, once.
+    FreeElementSet(TakeElements(loaded));
+    ShowMessage(text, MessageKind::Error);
+    Application().SetCursor(TCursor::Default);
+  };
   try {
     TFileStream stream(file_name, TFileMode::fmOpenRead);
     TReader reader(stream);
@@ -239,26 +256,20 @@ void TLoader::DoIt() {
     reader.ReadListBegin();
     while (!reader.EndOfList()) {
       class_name = reader.ReadString();
-      if (GetVeskaClass(class_name) == nullptr) {
-        ShowMessage(u"Neregistrovaný element: " + class_name, MessageKind::Error);
-        Application().SetCursor(TCursor::Default);
-        return;
-      }
+      if (GetVeskaClass(class_name) == nullptr) return fail(u"Neregistrovaný element: " + class_name);
       TElement* element = CreateElementByName(class_name);
       loaded.AddElement(element);
       element->Load(reader, &loaded);
     }
     reader.ReadListEnd();
   } catch (const std::exception&) {
-    ShowMessage(u"Chyba při čtení elementu: " + class_name, MessageKind::Error);
-    Application().SetCursor(TCursor::Default);
-    return;
+    return fail(u"Chyba při čtení elementu: " + class_name);
   }
   if (!loaded.NoElements()) SetOutput(loaded.Get(loaded.GetLastIndex()));
+  const std::vector<TElement*> elements = TakeElements(loaded);
   if (TEntity* container = container_entity_.Get()) {
-    for (int i = 0; i < loaded.ElementsCount(); ++i) container->AddElement(loaded.Get(i));
+    for (TElement* element : elements) container->AddElement(element);
   }
-  loaded.Clear();
   Application().SetCursor(TCursor::Default);
 }
 

@@ -71,6 +71,7 @@ veska_cli_case(tree_progress 0 "^\rNačítání modelu ze souboru [^\r]*model\\.
                ${none} TERMINAL ARGS tree ${data}/model.vsk)
 veska_cli_case(tree_old_class 0 "^TIntegerElement\tstaré\tID=-1\tValue=2\n$" ${old_class_texts} ARGS tree ${data}/old_class.vsk)
 veska_cli_case(tree_older_format 0 "^TNameElement\tdruhý\tID=-1\n$" ${none} ARGS tree ${data}/older.tpf)
+veska_cli_case(tree_older_format_broken 1 ${none} "^veska: Chyba při čtení elementu: TOwnerEntity\n$" ARGS tree ${data}/broken.tpf)
 veska_cli_case(tree_missing 1 ${none} "^veska: Soubor missing\.vsk neexistuje!\n$" ARGS tree missing.vsk)
 veska_cli_case(tree_json 0 "^{\n  \"file\": \"[^\n]*old_class\.vsk\",\n  \"result\": {\n    \"class\": \"TIntegerElement\",\n\
     \"name\": \"staré\"\n  },\n  \"error\": null,\n  \"diagnostics\": \\[\n    {\n      \"level\": 8,\n\
