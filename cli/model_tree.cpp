@@ -92,7 +92,9 @@ void ModelTree::AddUnlistedReferences(std::size_t first_line) {
       if (property->Kind() != TTypeKind::tkClass || !IsShown(*property, element)) continue;
       TElement* target = ReferenceOf(*property, element);
       if (target == nullptr || paths_.contains(target)) continue;
-      paths_.emplace(target, u"#" + IntToStr(++unlisted_));
+      String path(1, u'#');  // appended, not prefixed: g++ 12 misreads a prefix at -O2 (-Wrestrict)
+      path += IntToStr(++unlisted_);
+      paths_.emplace(target, std::move(path));
       unlisted.push_back(target);
     }
   }

@@ -1,6 +1,6 @@
 #!/usr/bin/env bash
 # Sets up a fresh machine, builds the veska program in release mode (build/release, the program
-# alone) and runs it with the arguments given:  bash scripts/run.sh classes
+# alone) and runs it with the arguments given:  bash scripts/run.sh tree examples/data/warehouse.vsk
 set -euo pipefail
 cd "$(dirname "$0")/.."
 bash scripts/install-deps.sh
