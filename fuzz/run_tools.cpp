@@ -3,8 +3,9 @@
 // its set-up from its self model when it has one, and DoIt under a world whose main tool shows
 // what tools report, until no message is left.  Object-valued properties take the numbers of
 // the objects met on the way (the parts the tool hands out), or arbitrary text.  An exception of
-// the library is a tool's failure, which the program reports.  The loaders, which read files
-// anywhere on the machine, are left out: the model-file target drives them.
+// the library is a tool's failure, which the program reports.  The loaders and the saver, which
+// read and write files anywhere on the machine, are left out: the model-file target drives the
+// loaders, and the saver writes what the tests and the model-file seeds load.
 //
 // Each write is two bytes (which property, how many bytes of text follow) and the text.
 #include <memory>
@@ -14,7 +15,7 @@
 #include "fuzz/fuzz_input.h"
 #include "kernel/classes/registry.h"
 #include "kernel/elements/property_access.h"
-#include "kernel/persistence/veska_loader.h"
+#include "kernel/persistence/stream_saver.h"
 #include "kernel/platform/application.h"
 #include "kernel/platform/exceptions.h"
 #include "kernel/platform/message_sink.h"
@@ -34,7 +35,7 @@ const std::vector<const ClassInfo*>& ToolClasses() {
       const auto* record = ObjectAs<TVeskaClass>(VeskaClasses().Get(i));
       const ClassInfo* element_class = record != nullptr ? record->ElementClass() : nullptr;
       if (element_class != nullptr && element_class->InheritsFrom(TTool::StaticClassInfo()) &&
-          element_class->UnitName() != kLoaderUnit) {
+          element_class->UnitName() != kLoaderUnit && element_class->UnitName() != kSaverUnit) {
         found.push_back(element_class);
       }
     }
