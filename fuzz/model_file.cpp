@@ -1,7 +1,8 @@
 // Loads arbitrary bytes as a model file with the stream loader, into a container that lists
-// what it loads, frees that as a set, and reads the same bytes with the header reader.  The
-// bytes follow a "VSK0" signature most of the time, so that the search spends its time past the
-// signature; when they do not, bytes that begin with "TPF0" go on to the older format's loader.
+// what it loads, writes the result's model with the saver, frees what was loaded as a set, and
+// reads the same bytes with the header reader.  The bytes follow a "VSK0" signature most of the
+// time, so that the search spends its time past the signature; when they do not, bytes that
+// begin with "TPF0" go on to the older format's loader.
 #include <unistd.h>
 
 #include <filesystem>
@@ -12,9 +13,12 @@
 #include "fuzz/fuzz_input.h"
 #include "kernel/elements/entity.h"
 #include "kernel/persistence/stream_loader.h"
+#include "kernel/persistence/stream_saver.h"
 #include "kernel/persistence/vsk_info.h"
 #include "kernel/platform/application.h"
+#include "kernel/platform/exceptions.h"
 #include "kernel/platform/message_sink.h"
+#include "kernel/platform/streams.h"
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
   using namespace veska;
@@ -38,6 +42,15 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
       load.DoIt();
     } catch (const std::exception&) {
       // A file that is not a model is refused; what was read before stays in the container.
+    }
+    // Whatever graph the file made, the saver writes it or refuses it.
+    if (TElement* result = load.GetOutput()) {
+      TStreamSaver saver;
+      TMemoryStream written;
+      try {
+        saver.SaveToStream(*result, written);
+      } catch (const EWriteError&) {
+      }
     }
     Application().ClearMessages();
     std::vector<TElement*> loaded;
