@@ -1,5 +1,7 @@
 #include "kernel/persistence/stream_saver.h"
 
+#include <algorithm>
+#include <cstdint>
 #include <memory>
 #include <unordered_map>
 #include <vector>
@@ -48,13 +50,71 @@ struct ClassLayout {
   std::vector<const PropInfo*> references;  // those of kind 7, for the walk
 };
 
-// One element of the model and its state while the model is written.
+// One element of the model and its state while the model is written.  What the walk and the
+// records ask of an element again and again (whether it is an entity, its class's layout, the
+// nodes of its members) is taken once and kept here.
 struct Node {
   TElement* element;
+  TEntity* entity;                // the element as an entity, or none
+  ClassLayout* layout = nullptr;  // once asked for
+  uint32_t first_member = 0;      // its members' nodes in ModelWriter::member_nodes_, listed
+  uint32_t member_count = 0;      // when the walk reaches it
   int32_t number = -1;   // its element number once its record has begun
   bool held = false;     // listed by an entity of the model
   bool pending = false;  // its record is being prepared: what it needs is being written first
   bool visited = false;  // by the walk that orders the records
+};
+
+// The node number of each element met: open addressing with linear probing in one array, as an
+// entry of std::unordered_map costs an allocation of its own and the walk asks for every
+// element of the model more than once.
+class NodeIndex {
+ public:
+  // The node of the element, and false; or, for an element met for the first time, `fresh`,
+  // now its node, and true.
+  std::pair<uint32_t, bool> TryEmplace(const TElement* element, uint32_t fresh) {
+    if ((count_ + 1) * 2 > slots_.size()) Grow();
+    const std::size_t mask = slots_.size() - 1;
+    for (std::size_t i = Hash(element) & mask;; i = (i + 1) & mask) {
+      if (slots_[i].element == element) return {slots_[i].node, false};
+      if (slots_[i].element == nullptr) {
+        slots_[i] = {element, fresh};
+        ++count_;
+        return {fresh, true};
+      }
+    }
+  }
+
+ private:
+  struct Slot {
+    const TElement* element = nullptr;
+    uint32_t node = 0;
+  };
+
+  // Addresses share their low bits (alignment) and often their high ones; mixed, every bit
+  // counts.
+  static std::size_t Hash(const TElement* element) {
+    auto bits = static_cast<uint64_t>(reinterpret_cast<uintptr_t>(element));
+    bits ^= bits >> 33;
+    bits *= 0xff51afd7ed558ccdULL;
+    bits ^= bits >> 33;
+    return static_cast<std::size_t>(bits);
+  }
+
+  void Grow() {
+    std::vector<Slot> old(std::max<std::size_t>(64, slots_.size() * 2));
+    old.swap(slots_);
+    const std::size_t mask = slots_.size() - 1;
+    for (const Slot& slot : old) {
+      if (slot.element == nullptr) continue;
+      std::size_t i = Hash(slot.element) & mask;
+      while (slots_[i].element != nullptr) i = (i + 1) & mask;
+      slots_[i] = slot;
+    }
+  }
+
+  std::vector<Slot> slots_;
+  std::size_t count_ = 0;
 };
 
 // Writes one model: the element list of a VSK0 file.
@@ -75,13 +135,16 @@ class ModelWriter {
 
  private:
   uint32_t NodeOf(TElement* element) {
-    const auto [found, added] = index_.try_emplace(element, static_cast<uint32_t>(nodes_.size()));
-    if (added) nodes_.push_back(Node{element});
-    return found->second;
+    const auto [node, added] = index_.TryEmplace(element, static_cast<uint32_t>(nodes_.size()));
+    if (added) nodes_.push_back(Node{element, ObjectAs<TEntity>(element)});
+    return node;
   }
 
-  ClassLayout& LayoutOf(const TElement& element) {
-    const ClassInfo& cls = element.ClassType();
+  // The layout of the node's class.  The map keeps its entries where they are, so the node
+  // keeps a pointer to its own.
+  ClassLayout& LayoutOf(uint32_t node) {
+    if (nodes_[node].layout != nullptr) return *nodes_[node].layout;
+    const ClassInfo& cls = nodes_[node].element->ClassType();
     const auto [found, added] = layouts_.try_emplace(&cls);
     if (added) {
       for (const PropInfo* property : cls.Properties()) {
@@ -90,53 +153,75 @@ class ModelWriter {
         if (property->Kind() == TTypeKind::tkClass) found->second.references.push_back(property);
       }
     }
+    nodes_[node].layout = &found->second;
     return found->second;
+  }
+
+  // Takes the nodes of the members the node's entity lists, empty entries left out, and marks
+  // each as held.  The model is not changed while it is written, so they are taken once.
+  void ListMembers(uint32_t node) {
+    TEntity* members = nodes_[node].entity;
+    if (members == nullptr) return;
+    const auto first = static_cast<uint32_t>(member_nodes_.size());
+    for (int i = 0; i < members->ElementsCount(); ++i) {
+      TElement* member = members->Get(i);
+      if (member == nullptr) continue;
+      const uint32_t listed = NodeOf(member);
+      nodes_[listed].held = true;
+      member_nodes_.push_back(listed);
+    }
+    nodes_[node].first_member = first;
+    nodes_[node].member_count = static_cast<uint32_t>(member_nodes_.size()) - first;
+  }
+
+  uint32_t MemberNode(uint32_t node, uint32_t position) const {
+    return member_nodes_[nodes_[node].first_member + position];
   }
 
   static TElement* Referenced(const PropInfo& property, const TElement& element) {
     return property.IsStored(element) ? ObjectAs<TElement>(property.GetObj(element)) : nullptr;
   }
 
-  static TEntity* Members(const Node& node) { return ObjectAs<TEntity>(node.element); }
-
   // Every element of the model, members and referenced elements before the element that needs
   // them, the root last: a walk that marks every member it meets as held.  Iterative, as a
   // model may be deeper than the stack.
   std::vector<uint32_t> RecordOrder() {
+    constexpr uint32_t kNone = UINT32_MAX;
     struct Step {
       uint32_t node;
-      int next;  // members first, then references
+      uint32_t next;  // members first, then references
     };
     std::vector<uint32_t> order;
     std::vector<Step> path{{root_, 0}};
     nodes_[root_].visited = true;
     nodes_[root_].held = true;
+    ListMembers(root_);
     while (!path.empty()) {
       Step& step = path.back();
-      TElement* next = nullptr;
-      TEntity* members = Members(nodes_[step.node]);
-      const int member_count = members != nullptr ? members->ElementsCount() : 0;
-      while (next == nullptr) {
-        const int position = step.next++;
+      uint32_t next = kNone;
+      const uint32_t member_count = nodes_[step.node].member_count;
+      while (next == kNone) {
+        const uint32_t position = step.next++;
         if (position < member_count) {
-          next = members->Get(position);
-          if (next != nullptr) nodes_[NodeOf(next)].held = true;
-          continue;
+          next = MemberNode(step.node, position);
+          break;
         }
-        const ClassLayout& layout = LayoutOf(*nodes_[step.node].element);
-        const auto reference = static_cast<std::size_t>(position - member_count);
+        const ClassLayout& layout = LayoutOf(step.node);
+        const std::size_t reference = position - member_count;
         if (reference >= layout.references.size()) break;
-        next = Referenced(*layout.references[reference], *nodes_[step.node].element);
+        if (TElement* referenced = Referenced(*layout.references[reference], *nodes_[step.node].element)) {
+          next = NodeOf(referenced);
+        }
       }
-      if (next == nullptr) {
+      if (next == kNone) {
         order.push_back(step.node);
         path.pop_back();
         continue;
       }
-      const uint32_t node = NodeOf(next);
-      if (nodes_[node].visited) continue;
-      nodes_[node].visited = true;
-      path.push_back({node, 0});
+      if (nodes_[next].visited) continue;
+      nodes_[next].visited = true;
+      ListMembers(next);
+      path.push_back({next, 0});
     }
     return order;
   }
@@ -151,14 +236,12 @@ class ModelWriter {
     if (depth_ >= kMaxWriteDepth) throw EWriteError(u"Elements refer back to their holders too deep to be written");
     const ScopedValue deeper(depth_, depth_ + 1);
     nodes_[node].pending = true;
-    if (TEntity* members = Members(nodes_[node])) {
-      for (int i = 0; i < members->ElementsCount(); ++i) {
-        TElement* member = members->Get(i);
-        if (member != nullptr && CanWriteNow(NodeOf(member))) WriteElement(NodeOf(member));
-      }
+    for (uint32_t i = 0; i < nodes_[node].member_count; ++i) {
+      const uint32_t member = MemberNode(node, i);
+      if (CanWriteNow(member)) WriteElement(member);
     }
     TElement& element = *nodes_[node].element;
-    ClassLayout& layout = LayoutOf(element);
+    ClassLayout& layout = LayoutOf(node);
     if (node == root_) {
       for (const PropInfo* property : layout.references) {
         TElement* referenced = Referenced(*property, element);
@@ -258,21 +341,21 @@ class ModelWriter {
   }
 
   void WriteMembers(uint32_t node) {
-    TEntity* members = Members(nodes_[node]);
+    TEntity* members = nodes_[node].entity;
     if (members == nullptr || members->ElementsCount() == 0) {
       out_.WriteInteger(0);
       return;
     }
     out_.WriteInteger(1);
     out_.WriteListBegin();
-    for (int i = 0; i < members->ElementsCount(); ++i) {
-      TElement* member = members->Get(i);
-      if (member == nullptr) continue;
-      const uint32_t listed = NodeOf(member);
+    for (uint32_t i = 0; i < nodes_[node].member_count; ++i) {
+      const uint32_t listed = MemberNode(node, i);
       if (Written(listed)) {
         out_.WriteInteger(nodes_[listed].number);
       } else {
-        saver_.PostTextMsg(tm_Text, nodes_[node].element->ClassName() + u" member " + member->ClassName() + u" left out",
+        saver_.PostTextMsg(tm_Text,
+                           nodes_[node].element->ClassName() + u" member " + nodes_[listed].element->ClassName() +
+                               u" left out",
                            nullptr);
       }
     }
@@ -283,7 +366,8 @@ class ModelWriter {
   TWriter& out_;
   uint32_t root_ = 0;
   std::vector<Node> nodes_;
-  std::unordered_map<const TElement*, uint32_t> index_;
+  std::vector<uint32_t> member_nodes_;
+  NodeIndex index_;
   std::unordered_map<const ClassInfo*, ClassLayout> layouts_;
   int32_t next_number_ = 0;
   int32_t next_class_ = 0;

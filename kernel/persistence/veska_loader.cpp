@@ -2,6 +2,7 @@
 
 #include <exception>
 
+#include "kernel/elements/entity.h"
 #include "kernel/elements/message.h"
 #include "kernel/platform/application.h"
 
@@ -19,6 +20,13 @@ TTypeKind KindOf(int32_t declared) {
 bool IsShortOrLongString(int32_t kind) { return kind == 5 || kind == 10; }
 bool IsStringKind(int32_t kind) { return IsShortOrLongString(kind) || kind == 18; }
 bool IsPair(int32_t a, int32_t b, int32_t x, int32_t y) { return (a == x && b == y) || (a == y && b == x); }
+
+// Whether IsInOwners has anything to climb from the element: owners, or the entity an envelope
+// wraps.  A file lists an entity's members before the entity joins an owner of its own, so the
+// climb (and the allocations of its walk) is mostly passed over.
+bool HasOwnersToClimb(TElement& element) {
+  return element.GetOwnersCount() > 0 || ObjectAs<TEnvelopeEntity>(&element) != nullptr;
+}
 
 }  // namespace
 
@@ -199,7 +207,7 @@ void TVeskaLoader::AddNextElement(int32_t element_number) {
   if (entity == nullptr || element == nullptr) return;
   // A file may name an element as a member of itself or of its own members; such a member would
   // hold its holder, and is left out.
-  if (element == actual_element_ || actual_element_->IsInOwners(element)) {
+  if (element == actual_element_ || (HasOwnersToClimb(*actual_element_) && actual_element_->IsInOwners(element))) {
     Report(u"Loader Error: " + actual_class_->GetName() + u" Element " + IntToStr(element_number));
     return;
   }
