@@ -17,6 +17,18 @@ inline std::string BytesOf(const TMemoryStream& stream) {
   return std::string(reinterpret_cast<const char*>(bytes.data()), bytes.size());
 }
 
+inline void Put(TWriter& w, int32_t v) { w.WriteInteger(v); }
+inline void Put(TWriter& w, double v) { w.WriteFloat(v); }
+inline void Put(TWriter& w, char16_t v) { w.WriteChar(v); }
+inline void Put(TWriter& w, StringView v) { w.WriteString(v); }
+
+// Writes the values in order, each as its type is written: an integer, a float, a character or a
+// string.
+template <class... Items>
+std::function<void(TWriter&)> Values(Items... items) {
+  return [=](TWriter& w) { (Put(w, items), ...); };
+}
+
 // A model file (the signature, the header and the element list) written record by record.
 class ModelWriter {
  public:
@@ -40,15 +52,17 @@ class ModelWriter {
     }
     writer_->WriteListEnd();
   }
-  // An element record; `values` writes the property numbers and values.
-  void Element(int class_number, int element_number, const std::function<void(TWriter&)>& values,
-               std::initializer_list<int> members = {}) {
+  // An element record; `values` writes the property numbers and values.  The children flag is
+  // `flag`, or 1 when there are members and 0 when not; the member list follows when there are
+  // members.
+  void Element(int class_number, int element_number, const std::function<void(TWriter&)>& values = {},
+               std::initializer_list<int> members = {}, int flag = -1) {
     writer_->WriteInteger(class_number);
     writer_->WriteInteger(element_number);
     writer_->WriteListBegin();
-    values(*writer_);
+    if (values) values(*writer_);
     writer_->WriteListEnd();
-    writer_->WriteInteger(members.size() > 0 ? 1 : 0);
+    writer_->WriteInteger(flag >= 0 ? flag : members.size() > 0 ? 1 : 0);
     if (members.size() == 0) return;
     writer_->WriteListBegin();
     for (int member : members) writer_->WriteInteger(member);
