@@ -52,14 +52,14 @@ void TVeskaClass::SetElementClass(const ClassInfo* element_class) {
   element_class_ = element_class;
   const bool creates_elements = element_class_ != nullptr && element_class_->InheritsFrom(TElement::StaticClassInfo());
   element_factory_ = creates_elements ? element_class_->GetFactory() : nullptr;
-  table_.clear();
+  table_ = {};
   has_table_ = false;
   if (element_class_ == nullptr) return;  // PropCount keeps its old value
   SetName(element_class_->Name());
   const auto properties = element_class_->Properties();
   PropCount = static_cast<int32_t>(properties.size());
   if (PropCount > 0) {
-    table_.assign(properties.begin(), properties.end());
+    table_ = properties;
     has_table_ = true;
   }
 }
@@ -138,6 +138,9 @@ void TVeskaClass::SelfCHeck() {
 
 void TVeskaInstance::SetInstance(TElement* element) {
   instance_ = element;
+  // A loader binds every element it makes in turn, mostly of the class bound before: the record
+  // of that class stands as it is.
+  if (element != nullptr && ElementClass() == &element->ClassType()) return;
   SetElementClass(element != nullptr ? &element->ClassType() : nullptr);
 }
 

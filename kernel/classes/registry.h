@@ -97,7 +97,7 @@ class TVeskaClass : public TOwnerEntity {
   // The element class's factory, when the class creates elements; decided once, as creation by
   // class name asks every time.
   ClassInfo::Factory element_factory_ = nullptr;
-  std::vector<const PropInfo*> table_;
+  std::span<const PropInfo* const> table_;  // the class's own list, which lives as long
   bool has_table_ = false;
 };
 
@@ -113,6 +113,9 @@ class TVeskaInstance : public TVeskaClass {
  public:
   TElement* Instance() const { return instance_; }
   void SetInstance(TElement* element);
+  // An instance follows the class of each element it is bound to, and no registry lists it by
+  // that name: renaming it is only the name.
+  void SetName(const String& name) override { TOwnerEntity::SetName(name); }
 
   bool GetPropertyStored(int index) const override;
   void GetPropertyValue(int index, TPropertyBuffer& buffer) const;

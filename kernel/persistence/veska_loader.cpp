@@ -85,6 +85,8 @@ void TVeskaLoader::Prepare() {
 void TVeskaLoader::PrepareClasses() { SetClasses(new TVeskaClasses); }
 
 void TVeskaLoader::SetClasses(TVeskaClasses* classes) {
+  declared_.clear();
+  actual_declarations_ = {};
   if (classes_ != nullptr) FreeElement(classes_);
   classes_ = classes;
   if (classes != nullptr) AddElement(classes);
@@ -104,6 +106,8 @@ void TVeskaLoader::AddClass(const String& name) {
   auto* declaration = new TVeskaClass;
   actual_class_ = declaration;
   classes_->AddElement(declaration);
+  declared_.emplace_back(declaration, std::vector<TVeskaClassProperty*>{});
+  actual_declarations_ = {declaration, &declared_.back().second};
   if (const ClassInfo* registered = GetVeskaClass(name)) {
     declaration->SetElementClass(registered);
     return;
@@ -117,6 +121,7 @@ void TVeskaLoader::AddClassProperty(const String& name, int32_t declared_kind) {
   auto* declaration = new TVeskaClassProperty;
   declaration->SetName(name);
   actual_class_->AddElement(declaration);
+  if (!declared_.empty() && declared_.back().first == actual_class_) declared_.back().second.push_back(declaration);
   const int index = actual_class_->PropertyIndex(name);
   declaration->PropIndex = index;
   declaration->SetLostTypeKind(KindOf(declared_kind));
@@ -175,6 +180,9 @@ void TVeskaLoader::NewElement(int32_t class_number) {
     return;
   }
   actual_class_ = declaration;
+  if (static_cast<std::size_t>(class_number) < declared_.size() && declared_[class_number].first == declaration) {
+    actual_declarations_ = {declaration, &declared_[class_number].second};
+  }
   if (declaration->ElementClass() == nullptr) return;
   TElement* element = declaration->NewElement();
   if (element == nullptr) return;
@@ -184,7 +192,12 @@ void TVeskaLoader::NewElement(int32_t class_number) {
 }
 
 TVeskaClassProperty* TVeskaLoader::Declaration(int32_t number) const {
-  if (actual_class_ == nullptr || number < 0 || number >= actual_class_->ElementsCount()) return nullptr;
+  if (actual_class_ == nullptr || number < 0) return nullptr;
+  if (const auto& [cls, list] = actual_declarations_;
+      cls == actual_class_ && static_cast<std::size_t>(number) < list->size()) {
+    return (*list)[static_cast<std::size_t>(number)];
+  }
+  if (number >= actual_class_->ElementsCount()) return nullptr;
   return ObjectAs<TVeskaClassProperty>(actual_class_->Get(number));
 }
 

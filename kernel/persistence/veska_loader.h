@@ -11,6 +11,10 @@
 // closing TYouShallNotPass; ContainerEntity, when set, receives every loaded element.
 #pragma once
 
+#include <deque>
+#include <utility>
+#include <vector>
+
 #include "kernel/classes/registry.h"
 #include "kernel/tools/tool.h"
 
@@ -87,6 +91,13 @@ class TVeskaLoader : public TTool {
   bool IsCompatible(TVeskaClassProperty& declaration, TTypeKind current, int32_t declared);
 
   TQuickEntity* loaded_ = nullptr;  // the loader's during a run
+  // The classes AddClass made, in file order, with the declarations AddClassProperty gave them,
+  // so that a value finds its declaration without a search; others (of a class table set
+  // through SetClasses, or after an inline list) are searched.
+  std::deque<std::pair<const TVeskaClass*, std::vector<TVeskaClassProperty*>>> declared_;
+  // The declarations of the actual class, when they are known; the values of one element use
+  // one class.
+  std::pair<const TVeskaClass*, const std::vector<TVeskaClassProperty*>*> actual_declarations_;
   WeakRef<TEntity> container_entity_;
 };
 

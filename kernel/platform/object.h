@@ -68,10 +68,7 @@ class TObject {
   String ClassName() const;
   bool InheritsFrom(const ClassInfo& ancestor) const;
   template <class T>
-  bool Is() const {
-    static_assert(RunTimeClass<T>, "this class does not declare its run-time class with VESKA_CLASS");
-    return InheritsFrom(T::StaticClassInfo());
-  }
+  bool Is() const;  // defined below ClassInfo
   // Destroys the object, as the platform's Free did.
   void Free() { delete this; }
 
@@ -162,6 +159,14 @@ class ClassInfo {
   // Every property by name, built once the class is described.
   FoldedNameIndex<const PropInfo*> property_index_;
 };
+
+template <class T>
+bool TObject::Is() const {
+  static_assert(RunTimeClass<T>, "this class does not declare its run-time class with VESKA_CLASS");
+  // Most checks ask for the object's own class, answered here without the walk.
+  const ClassInfo& own = ClassType();
+  return &own == &T::StaticClassInfo() || own.InheritsFrom(T::StaticClassInfo());
+}
 
 template <class T>
 T* CreateObjectAs(const ClassInfo& cls) {

@@ -83,7 +83,10 @@ class MemberAccessor final : public PropertyAccessor {
       return {};
   }
   void SetStr(TObject& o, const String& v) const override {
-    if constexpr (Traits::Family == ValueFamily::Text) Set(o, Traits::FromStr(v));
+    if constexpr (std::is_same_v<V, String>)
+      Set(o, v);  // passed on as it is: the field or the setter makes the one copy
+    else if constexpr (Traits::Family == ValueFamily::Text)
+      Set(o, Traits::FromStr(v));
   }
   TObject* GetObj(const TObject& o) const override {
     if constexpr (Traits::Family == ValueFamily::Object)
@@ -124,13 +127,14 @@ class MemberAccessor final : public PropertyAccessor {
       return std::invoke(getter_, owner);
     }
   }
-  void Set(TObject& o, V value) const {
+  template <class Value>
+  void Set(TObject& o, Value&& value) const {
     if constexpr (!std::is_same_v<Setter, std::nullptr_t>) {
       auto& owner = static_cast<Owner&>(o);
       if constexpr (IsField<Setter>)
-        std::invoke(setter_, owner) = std::move(value);
+        std::invoke(setter_, owner) = std::forward<Value>(value);
       else
-        std::invoke(setter_, owner, std::move(value));
+        std::invoke(setter_, owner, std::forward<Value>(value));
     }
   }
 
