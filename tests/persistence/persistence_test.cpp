@@ -8,7 +8,6 @@
 #include <map>
 #include <memory>
 #include <random>
-#include <set>
 
 #include "kernel/persistence/persistence_unit.h"
 #include "kernel/platform/exceptions.h"
@@ -302,18 +301,6 @@ TEST(LoaderUnit, RegistersItsClassesInOrderAfterTheSortingTools) {
   }
 }
 
-// Frees the elements of a model that no entity among them lists; they free the rest.
-void FreeModel(const std::vector<TElement*>& every) {
-  std::set<const TElement*> listed;
-  for (TElement* element : every) {
-    auto* entity = ObjectAs<TEntity>(element);
-    for (int i = 0; entity != nullptr && i < entity->ElementsCount(); ++i) listed.insert(entity->Get(i));
-  }
-  for (TElement* element : every) {
-    if (!listed.contains(element)) delete element;
-  }
-}
-
 // A model written with the saver and loaded back; the texts each of them posted.
 struct RoundTrip {
   explicit RoundTrip(TElement& root) {
@@ -334,7 +321,7 @@ struct RoundTrip {
     std::vector<TElement*> every;
     for (int i = 0; i < all.ElementsCount(); ++i) every.push_back(all.Get(i));
     all.Clear();
-    FreeModel(every);
+    FreeElementSet(every);
   }
   test::TempFolder folder;
   test::RecordingHost host;
@@ -342,11 +329,6 @@ struct RoundTrip {
   TElement* loaded = nullptr;
   Texts saved, texts;
 };
-
-bool IsWritten(const PropInfo& property) {
-  return !property.Stored().IsConstantFalse() && property.CanRead() && property.CanWrite() &&
-         property.Kind() != TTypeKind::tkMethod && property.Kind() != TTypeKind::tkVariant;
-}
 
 // A model of random values: every registered class at least once, in nested plain entities, with
 // references between its elements and to elements no entity lists.
@@ -368,7 +350,7 @@ struct RandomModel {
   }
   ~RandomModel() {
     every.push_back(root);
-    FreeModel(every);
+    FreeElementSet(every);
   }
   std::size_t Pick(std::size_t count) { return std::uniform_int_distribution<std::size_t>(0, count - 1)(random); }
   String Text() {
@@ -379,7 +361,7 @@ struct RandomModel {
     for (const PropInfo* property : element.ClassType().Properties()) {
       const TTypeKind kind = property->Kind();
       const TypeInfo& type = property->PropType();
-      if (!IsWritten(*property) || property->Name() == u"ID") continue;
+      if (!IsModelFileProperty(*property) || property->Name() == u"ID") continue;
       try {  // a value the setter refuses leaves the property as it was
         if (kind == TTypeKind::tkInteger || kind == TTypeKind::tkEnumeration) {
           property->SetOrd(element,
@@ -439,7 +421,7 @@ String FirstDifference(TElement& original, TElement& loaded) {
     const String where = a->ClassName() + u" " + a->GetName() + u": ";
     if (a->ClassType().Name() != b->ClassType().Name()) return where + u"loaded as " + b->ClassName();
     for (const PropInfo* p : a->ClassType().Properties()) {
-      if (!IsWritten(*p) || !p->IsStored(*a)) continue;
+      if (!IsModelFileProperty(*p) || !p->IsStored(*a)) continue;
       if (p->Kind() == TTypeKind::tkClass ? !pair(ObjectAs<TElement>(p->GetObj(*a)), ObjectAs<TElement>(p->GetObj(*b)))
                                           : p->Name() != u"ID" && !same(*p, *a, *b)) {  // ID: the walks' visit mark
         return where + p->Name();
@@ -495,7 +477,7 @@ TEST(StreamSaver, WritesCyclesInlineAndLeavesOutOnlyWhatTheFormatCannotCarry) {
     EXPECT_EQ(loaded_technology->Get(0), loaded_technology->Get(1));
     EXPECT_EQ(loaded_technology->Get(0), loaded_technology->GetElseTool());
   }
-  FreeModel({root, top, unlisted});
+  FreeElementSet(std::vector<TElement*>{root, top, unlisted});
 }
 
 }  // namespace
