@@ -508,9 +508,34 @@ void FreeElementSet(std::span<TElement* const> elements) {
       for (int i = 0; i < entity->ElementsCount(); ++i) listed.insert(entity->Get(i));
     }
   }
+  // What the unlisted elements reach through members goes with them.  The rest lists itself
+  // round a cycle: each lets its members go (telling them) before it is freed alone.
+  std::vector<TElement*> roots;
+  std::unordered_set<const TElement*> reached;
+  std::vector<TElement*> pending;
   for (TElement* element : elements) {
-    if (!listed.contains(element)) delete element;
+    if (listed.contains(element)) continue;
+    roots.push_back(element);
+    pending.push_back(element);
   }
+  while (!pending.empty()) {
+    auto* entity = ObjectAs<TEntity>(pending.back());
+    pending.pop_back();
+    for (int i = 0; entity != nullptr && i < entity->ElementsCount(); ++i) {
+      if (TElement* member = entity->Get(i); member != nullptr && reached.insert(member).second) pending.push_back(member);
+    }
+  }
+  std::vector<TElement*> cycles;
+  for (TElement* element : elements) {
+    if (listed.contains(element) && !reached.contains(element)) cycles.push_back(element);
+  }
+  for (TElement* element : cycles) {
+    if (auto* entity = ObjectAs<TEntity>(element)) {
+      for (int i = entity->ElementsCount() - 1; i >= 0; --i) entity->RemoveElementIndex(i);
+    }
+  }
+  for (TElement* element : roots) delete element;
+  for (TElement* element : cycles) delete element;
 }
 
 }  // namespace veska

@@ -132,9 +132,11 @@ class TEnvelopeEntity : public TEntity {
   TEntity* owner_ = nullptr;  // the wrapped entity; not owned
 };
 
-// Frees a set of elements that may list one another, such as everything a loader made: the
-// elements that no entity of the set lists are freed, and their members go with them.  An
-// element listed by two entities of the set is freed once only if it keeps its owners.
+// Frees a set of elements that may list one another, such as everything a loader made, each
+// element once in the set: the elements that no entity of the set lists are freed, and their
+// members go with them; elements that list one another round a cycle, out of their reach, let
+// their members go and are freed one by one.  An element listed by two entities of the set is
+// freed once only if it keeps its owners.
 void FreeElementSet(std::span<TElement* const> elements);
 
 }  // namespace veska
