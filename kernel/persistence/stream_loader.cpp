@@ -238,7 +238,7 @@ void TStreamLoader::LoadElements() {
 TLoader::TLoader() { SetName(u"VESKA.VSK"); }
 
 void TLoader::DoIt() {
-  const String file_name = GetName();
+  const String file_name = FName;  // not GetName, which stands the class name in for none
   if (file_name.empty()) throw EBadStreamName(u"Chybné jméno streamu : " + file_name + u" !");
   Application().SetCursor(TCursor::HourGlass);
   TQuickEntity loaded;  // the table references are read from; emptied before it goes

@@ -262,6 +262,9 @@ TEST(StreamLoader, OpensModelFilesOnlyAndHandsOlderOnesToTheOlderLoader) {
   EXPECT_EQ(older(Values(u"TNothing")), nullptr);
   EXPECT_EQ(older(Values(u"TStringEntity", 7)), nullptr);
   EXPECT_EQ(shown.Texts(), (Texts{u"Neregistrovaný element: TNothing", u"Chyba při čtení elementu: TStringEntity"}));
+  TLoader unnamed;
+  unnamed.SetName(u"");
+  EXPECT_THAT([&] { unnamed.DoIt(); }, ThrowsMessage<EBadStreamName>("Chybné jméno streamu :  !"));
 }
 
 // The header only, with a code and a fixed text that tell why there is none.
