@@ -187,6 +187,19 @@ TEST(EntityTest, ASharedMemberIsOnlyReleasedUnlessEveryHolderAgreesOrItIsHardFre
   EXPECT_TRUE(ObjectHandles::ObjectOf(handle) == nullptr && also_consenting.NoElements());
 }
 
+// What a loader made, freed as a set: an unlisted entity takes its members, and entities that
+// list one another round a cycle (one listing itself) go one by one.
+TEST(EntityTest, ASetOfElementsIsFreedOnceEachCyclesToo) {
+  auto* root = new TOwnerEntity;
+  TElement* member = new TOwnerElement;
+  auto *a = new TQuickEntity, *b = new TQuickEntity, *self = new TQuickEntity;
+  root->AddElement(member), a->AddElement(b), b->AddElement(a), b->AddElement(member), self->AddElement(self);
+  std::vector<int32_t> handles;
+  for (TElement* element : Elements{root, member, a, b, self}) handles.push_back(ObjectHandles::HandleOf(element));
+  FreeElementSet(Elements{root, member, a, b, self});
+  for (int32_t handle : handles) EXPECT_EQ(ObjectHandles::ObjectOf(handle), nullptr);
+}
+
 // A second free would show in the sanitizer build.
 TEST(EntityTest, AMemberListedTwiceIsFreedOnce) {
   TEntity hard;
