@@ -2,7 +2,6 @@
 
 #include <exception>
 #include <memory>
-#include <vector>
 
 #include "cli/model_json.h"
 #include "cli/model_tree.h"
@@ -45,12 +44,7 @@ class LoadedModel {
     Application().ProcessMessages();
     SetMessageSink(std::move(previous));
   }
-  ~LoadedModel() {
-    std::vector<TElement*> elements;
-    for (int i = 0; i < loaded_.ElementsCount(); ++i) elements.push_back(loaded_.Get(i));
-    loaded_.Clear();
-    FreeElementSet(elements);
-  }
+  ~LoadedModel() { FreeElementSet(loaded_); }
   LoadedModel(const LoadedModel&) = delete;
   LoadedModel& operator=(const LoadedModel&) = delete;
 

@@ -12,8 +12,6 @@
 #include <cstdio>
 #include <memory>
 
-#include "kernel/persistence/stream_saver.h"
-
 namespace {
 
 // A new named element of class T, added to the owner, which frees it when it is freed itself.

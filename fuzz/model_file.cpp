@@ -8,7 +8,6 @@
 #include <filesystem>
 #include <fstream>
 #include <string>
-#include <vector>
 
 #include "fuzz/fuzz_input.h"
 #include "kernel/elements/entity.h"
@@ -53,10 +52,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
       }
     }
     Application().ClearMessages();
-    std::vector<TElement*> loaded;
-    for (int i = 0; i < container.ElementsCount(); ++i) loaded.push_back(container.Get(i));
-    container.Clear();
-    FreeElementSet(loaded);
+    FreeElementSet(container);
   }
   TLoadVSKInfo info;
   info.SetFileName(file_name);

@@ -538,4 +538,11 @@ void FreeElementSet(std::span<TElement* const> elements) {
   for (TElement* element : cycles) delete element;
 }
 
+void FreeElementSet(TEntity& list) {
+  std::vector<TElement*> elements;
+  for (int i = 0; i < list.ElementsCount(); ++i) elements.push_back(list.Get(i));
+  list.Clear();
+  FreeElementSet(elements);
+}
+
 }  // namespace veska

@@ -138,5 +138,8 @@ class TEnvelopeEntity : public TEntity {
 // their members go and are freed one by one.  An element listed by two entities of the set is
 // freed once only if it keeps its owners.
 void FreeElementSet(std::span<TElement* const> elements);
+// The same for the members of a list that does not own them (a loader's container), which is
+// left empty.
+void FreeElementSet(TEntity& list);
 
 }  // namespace veska

@@ -2,7 +2,6 @@
 
 #include <cmath>
 #include <exception>
-#include <vector>
 
 #include "kernel/elements/entity.h"
 #include "kernel/platform/application.h"
@@ -20,14 +19,6 @@ namespace {
 
 // The progress display moves only at stream positions divisible by this, as it always has.
 constexpr int64_t kGaugeStep = 200;
-
-// The members of a list, which it no longer lists.
-std::vector<TElement*> TakeElements(TEntity& list) {
-  std::vector<TElement*> elements;
-  for (int i = 0; i < list.ElementsCount(); ++i) elements.push_back(list.Get(i));
-  list.Clear();
-  return elements;
-}
 
 }  // namespace
 
@@ -245,7 +236,7 @@ void TLoader::DoIt() {
   String class_name;
   const auto fail = [&](const String& text) {
     // What was read before goes as a set: an entity among it frees its members, once.
-    FreeElementSet(TakeElements(loaded));
+    FreeElementSet(loaded);
     ShowMessage(text, MessageKind::Error);
     Application().SetCursor(TCursor::Default);
   };
@@ -266,10 +257,8 @@ void TLoader::DoIt() {
     return fail(u"Chyba při čtení elementu: " + class_name);
   }
   if (!loaded.NoElements()) SetOutput(loaded.Get(loaded.GetLastIndex()));
-  const std::vector<TElement*> elements = TakeElements(loaded);
-  if (TEntity* container = container_entity_.Get()) {
-    for (TElement* element : elements) container->AddElement(element);
-  }
+  if (TEntity* container = container_entity_.Get()) container->PAddAllFrom(&loaded);
+  loaded.Clear();
   Application().SetCursor(TCursor::Default);
 }
 

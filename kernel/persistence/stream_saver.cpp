@@ -245,7 +245,9 @@ class ModelWriter {
     if (node == root_) {
       for (const PropInfo* property : layout.references) {
         TElement* referenced = Referenced(*property, element);
-        if (referenced != nullptr && CanWriteNow(NodeOf(referenced))) WriteElement(NodeOf(referenced));
+        if (referenced == nullptr) continue;
+        const uint32_t target = NodeOf(referenced);
+        if (CanWriteNow(target)) WriteElement(target);
       }
     }
     nodes_[node].pending = false;
@@ -341,8 +343,7 @@ class ModelWriter {
   }
 
   void WriteMembers(uint32_t node) {
-    TEntity* members = nodes_[node].entity;
-    if (members == nullptr || members->ElementsCount() == 0) {
+    if (nodes_[node].member_count == 0) {
       out_.WriteInteger(0);
       return;
     }

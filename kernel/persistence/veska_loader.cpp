@@ -94,9 +94,7 @@ void TVeskaLoader::SetClasses(TVeskaClasses* classes) {
 
 void TVeskaLoader::Finish() {
   if (loaded_ == nullptr) return;
-  if (TEntity* container = GetContainerEntity()) {
-    for (int i = 0; i < loaded_->ElementsCount(); ++i) container->AddElement(loaded_->Get(i));
-  }
+  if (TEntity* container = GetContainerEntity()) container->PAddAllFrom(loaded_);
   loaded_->Clear();
   delete loaded_;
   loaded_ = nullptr;

@@ -320,12 +320,7 @@ struct RoundTrip {
     texts = host.TextMessages();
     texts.erase(texts.begin(), texts.begin() + static_cast<std::ptrdiff_t>(saved.size()));
   }
-  ~RoundTrip() {
-    std::vector<TElement*> every;
-    for (int i = 0; i < all.ElementsCount(); ++i) every.push_back(all.Get(i));
-    all.Clear();
-    FreeElementSet(every);
-  }
+  ~RoundTrip() { FreeElementSet(all); }
   test::TempFolder folder;
   test::RecordingHost host;
   TQuickEntity all;  // every element loaded, listed to be freed
