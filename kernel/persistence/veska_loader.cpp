@@ -21,13 +21,6 @@ bool IsShortOrLongString(int32_t kind) { return kind == 5 || kind == 10; }
 bool IsStringKind(int32_t kind) { return IsShortOrLongString(kind) || kind == 18; }
 bool IsPair(int32_t a, int32_t b, int32_t x, int32_t y) { return (a == x && b == y) || (a == y && b == x); }
 
-// Whether IsInOwners has anything to climb from the element: owners, or the entity an envelope
-// wraps.  A file lists an entity's members before the entity joins an owner of its own, so the
-// climb (and the allocations of its walk) is mostly passed over.
-bool HasOwnersToClimb(TElement& element) {
-  return element.GetOwnersCount() > 0 || ObjectAs<TEnvelopeEntity>(&element) != nullptr;
-}
-
 }  // namespace
 
 TVeskaLoader::~TVeskaLoader() { delete loaded_; }
@@ -173,6 +166,7 @@ void TVeskaLoader::NewElement(int32_t class_number) {
   if (class_number >= 0 && class_number < classes_->ElementsCount()) {
     declaration = ObjectAs<TVeskaClass>(classes_->Get(class_number));
   }
+  member_list_target_ = {};
   if (declaration == nullptr) {
     instance_->SetInstance(nullptr);
     return;
@@ -214,11 +208,20 @@ void TVeskaLoader::SetProperty(int32_t number, TTypeKind kind, const TPropertyBu
 
 void TVeskaLoader::AddNextElement(int32_t element_number) {
   TElement* element = loaded_->Get(element_number);
-  auto* entity = ObjectAs<TEntity>(actual_element_);
-  if (entity == nullptr || element == nullptr) return;
+  if (actual_element_ == nullptr || element == nullptr) return;
+  if (member_list_target_.element != actual_element_) {
+    member_list_target_ = {actual_element_, ObjectAs<TEntity>(actual_element_),
+                           ObjectAs<TEnvelopeEntity>(actual_element_) != nullptr};
+  }
+  TEntity* entity = member_list_target_.entity;
+  if (entity == nullptr) return;
   // A file may name an element as a member of itself or of its own members; such a member would
-  // hold its holder, and is left out.
-  if (element == actual_element_ || (HasOwnersToClimb(*actual_element_) && actual_element_->IsInOwners(element))) {
+  // hold its holder, and is left out.  Only an element with owners, or an envelope, which
+  // wraps an entity, has owners to climb: a file lists an entity's members before the entity
+  // joins an owner of its own, so the climb (and the allocations of its walk) is mostly passed
+  // over.
+  const bool climbs = member_list_target_.envelope || actual_element_->GetOwnersCount() > 0;
+  if (element == actual_element_ || (climbs && actual_element_->IsInOwners(element))) {
     Report(u"Loader Error: " + actual_class_->GetName() + u" Element " + IntToStr(element_number));
     return;
   }

@@ -98,6 +98,14 @@ class TVeskaLoader : public TTool {
   // The declarations of the actual class, when they are known; the values of one element use
   // one class.
   std::pair<const TVeskaClass*, const std::vector<TVeskaClassProperty*>*> actual_declarations_;
+  // What a member list needs to know of the element it fills, found once per element rather
+  // than once per member; NewElement forgets it.
+  struct MemberListTarget {
+    const TElement* element = nullptr;
+    TEntity* entity = nullptr;  // none when the element is not an entity
+    bool envelope = false;
+  };
+  MemberListTarget member_list_target_;
   WeakRef<TEntity> container_entity_;
 };
 

@@ -20,8 +20,6 @@ class ObjectHandles {
   static int32_t HandleOf(TObject* object);
   // The live object with that handle, or none.
   static TObject* ObjectOf(int64_t handle);
-  // How many objects hold a handle now.
-  static std::size_t LiveCount();
 
  private:
   friend class TObject;

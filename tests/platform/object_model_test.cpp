@@ -1,7 +1,9 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include <memory>
 #include <tuple>
+#include <vector>
 
 #include "kernel/platform/exceptions.h"
 #include "kernel/platform/object_handles.h"
@@ -132,6 +134,26 @@ TEST(ObjectModel, TypedAccessIsRefusedAgainstKindDirectionOrClassAndHandlesResol
   for (int64_t none : {int64_t{handle}, int64_t{0}, (int64_t{1} << 32) + live})
     EXPECT_EQ(ObjectHandles::ObjectOf(none), nullptr) << none;
   EXPECT_EQ(ObjectHandles::HandleOf(nullptr), 0);
+}
+
+TEST(ObjectModel, HandlesResolveAcrossTheTablesPagesWhileOthersAroundThemGo) {
+  // Enough objects to fill several pages of the table; every third one outlives the others, so
+  // pages empty partly, and the pages of the ones that go entirely are let go.
+  std::vector<std::unique_ptr<TPersistent>> objects(5000);
+  std::vector<int32_t> handles;
+  for (auto& object : objects) {
+    object = std::make_unique<TPersistent>();
+    handles.push_back(ObjectHandles::HandleOf(object.get()));
+  }
+  for (std::size_t i = 0; i < objects.size(); ++i) {
+    if (i % 3 != 0 || i > 3000) objects[i].reset();
+  }
+  TPersistent later;
+  const int32_t later_handle = ObjectHandles::HandleOf(&later);
+  for (std::size_t i = 0; i < objects.size(); ++i) {
+    ASSERT_EQ(ObjectHandles::ObjectOf(handles[i]), objects[i].get()) << i;
+  }
+  EXPECT_TRUE(later_handle > handles.back() && ObjectHandles::ObjectOf(later_handle) == &later);
 }
 
 }  // namespace
