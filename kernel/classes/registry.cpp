@@ -86,13 +86,8 @@ int TVeskaClass::PropertyIndex(StringView name) const {
 }
 
 String TVeskaClass::GetPropertyName(int index) const { return GetPropInfo(index)->Name(); }
-TTypeKind TVeskaClass::GetPropertyTypeKind(int index) const { return GetPropInfo(index)->Kind(); }
-
-const PropInfo* TVeskaClass::GetPropInfo(int index) const {
-  if (index < 0 || static_cast<std::size_t>(index) >= table_.size()) {
-    throw ERangeError(u"Property index out of range (" + IntToStr(index) + u")");
-  }
-  return table_[static_cast<std::size_t>(index)];
+void TVeskaClass::ThrowIndexOutOfRange(int index) {
+  throw ERangeError(u"Property index out of range (" + IntToStr(index) + u")");
 }
 
 const ClassInfo* TVeskaClass::GetPropertyClass(int index) const {

@@ -3,6 +3,7 @@
 #pragma once
 
 #include <atomic>
+#include <cstddef>
 #include <variant>
 #include <vector>
 
@@ -67,8 +68,12 @@ class TVeskaClass : public TOwnerEntity {
 
   // Valid indexes only (0..PropCount-1); none of these test for a missing table.
   String GetPropertyName(int index) const;
-  TTypeKind GetPropertyTypeKind(int index) const;
-  const PropInfo* GetPropInfo(int index) const;
+  // Inline, as a loader asks them for every value it reads.
+  TTypeKind GetPropertyTypeKind(int index) const { return GetPropInfo(index)->Kind(); }
+  const PropInfo* GetPropInfo(int index) const {
+    if (index < 0 || static_cast<std::size_t>(index) >= table_.size()) ThrowIndexOutOfRange(index);
+    return table_[static_cast<std::size_t>(index)];
+  }
   const ClassInfo* GetPropertyClass(int index) const;
 
   bool GetPropertyIsReadOnly(int index) const;
@@ -93,6 +98,8 @@ class TVeskaClass : public TOwnerEntity {
   std::span<const PropInfo* const> Table() const { return table_; }
 
  private:
+  [[noreturn]] static void ThrowIndexOutOfRange(int index);
+
   const ClassInfo* element_class_ = nullptr;
   // The element class's factory, when the class creates elements; decided once, as creation by
   // class name asks every time.

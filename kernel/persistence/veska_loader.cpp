@@ -183,13 +183,8 @@ void TVeskaLoader::NewElement(int32_t class_number) {
   loaded_->AddElement(element);
 }
 
-TVeskaClassProperty* TVeskaLoader::Declaration(int32_t number) const {
-  if (actual_class_ == nullptr || number < 0) return nullptr;
-  if (const auto& [cls, list] = actual_declarations_;
-      cls == actual_class_ && static_cast<std::size_t>(number) < list->size()) {
-    return (*list)[static_cast<std::size_t>(number)];
-  }
-  if (number >= actual_class_->ElementsCount()) return nullptr;
+TVeskaClassProperty* TVeskaLoader::SearchDeclaration(int32_t number) const {
+  if (actual_class_ == nullptr || number < 0 || number >= actual_class_->ElementsCount()) return nullptr;
   return ObjectAs<TVeskaClassProperty>(actual_class_->Get(number));
 }
 

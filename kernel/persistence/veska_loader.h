@@ -11,6 +11,7 @@
 // closing TYouShallNotPass; ContainerEntity, when set, receives every loaded element.
 #pragma once
 
+#include <cstddef>
 #include <deque>
 #include <utility>
 #include <vector>
@@ -74,8 +75,15 @@ class TVeskaLoader : public TTool {
   // Frees the class table set before, and adopts `classes` as one of the loader's own elements.
   void SetClasses(TVeskaClasses* classes);
 
-  // Declaration `number` of the actual class; none when there is no such declaration.
-  TVeskaClassProperty* Declaration(int32_t number) const;
+  // Declaration `number` of the actual class; none when there is no such declaration.  Inline,
+  // as it runs for every value: the declarations of the actual class are mostly known.
+  TVeskaClassProperty* Declaration(int32_t number) const {
+    if (const auto& [cls, list] = actual_declarations_;
+        cls != nullptr && cls == actual_class_ && number >= 0 && static_cast<std::size_t>(number) < list->size()) {
+      return (*list)[static_cast<std::size_t>(number)];
+    }
+    return SearchDeclaration(number);
+  }
   // Posts a level-8 text message.
   void Report(const String& text) { PostTextMsg(tm_Text, text, nullptr); }
 
@@ -89,6 +97,8 @@ class TVeskaLoader : public TTool {
  private:
   // Compares the declared kind with the property's kind now, reports, and marks a conversion.
   bool IsCompatible(TVeskaClassProperty& declaration, TTypeKind current, int32_t declared);
+  // Declaration `number` of the actual class, found among its elements.
+  TVeskaClassProperty* SearchDeclaration(int32_t number) const;
 
   TQuickEntity* loaded_ = nullptr;  // the loader's during a run
   // The classes AddClass made, in file order, with the declarations AddClassProperty gave them,
