@@ -25,6 +25,8 @@ String FromUtf8(std::string_view utf8);
 // original platform's conversion did, so every byte string survives a round trip.  Characters
 // that the code page cannot represent become '?', the platform's default character.
 std::string ToWin1250(StringView text);
+// The text in Windows-1250 when the code page has every one of its characters; none otherwise.
+std::optional<std::string> ToWin1250Exactly(StringView text);
 String FromWin1250(std::string_view bytes);
 // The UTF-16 character of one Windows-1250 byte.
 char16_t Win1250ToChar(unsigned char byte);

@@ -43,13 +43,13 @@ constexpr std::array<char16_t, 128> kWin1250High = {
     0x0159, 0x016F, 0x00FA, 0x0171, 0x00FC, 0x00FD, 0x0163, 0x02D9,  // F8
 };
 
-// The byte of one UTF-16 character in Windows-1250, or '?' when the code page lacks it.
-char CharToWin1250(char16_t c) {
+// The byte of one UTF-16 character in Windows-1250; none when the code page lacks it.
+std::optional<char> CharToWin1250(char16_t c) {
   if (c < 0x80) return char(c);
   for (std::size_t i = 0; i < kWin1250High.size(); ++i) {
     if (kWin1250High[i] == c) return char(0x80 + i);
   }
-  return '?';
+  return std::nullopt;
 }
 
 }  // namespace
@@ -103,7 +103,17 @@ String FromWin1250(std::string_view bytes) {
 std::string ToWin1250(StringView text) {
   std::string out;
   out.reserve(text.size());
-  for (char16_t c : text) out += CharToWin1250(c);
+  for (char16_t c : text) out += CharToWin1250(c).value_or('?');
+  return out;
+}
+
+std::optional<std::string> ToWin1250Exactly(StringView text) {
+  std::string out(text.size(), '\0');
+  for (std::size_t i = 0; i < text.size(); ++i) {
+    const std::optional<char> byte = CharToWin1250(text[i]);
+    if (!byte) return std::nullopt;
+    out[i] = *byte;
+  }
   return out;
 }
 

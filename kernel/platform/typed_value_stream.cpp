@@ -524,8 +524,9 @@ void TWriter::WriteFloat(double value) {
 }
 
 void TWriter::WriteString(StringView text) {
-  const std::string bytes = ToWin1250(text);
-  if (FromWin1250(bytes) != text) return WriteWideString(text);
+  const std::optional<std::string> converted = ToWin1250Exactly(text);
+  if (!converted) return WriteWideString(text);
+  const std::string& bytes = *converted;
   if (bytes.size() <= 255) {
     WriteValue(TValueType::vaString);
     return WriteShortBytes(bytes);

@@ -2,6 +2,9 @@
 
 #include <gtest/gtest.h>
 
+#include <optional>
+#include <string>
+
 namespace veska {
 namespace {
 
@@ -21,6 +24,9 @@ TEST(Text, ConversionsRoundTripReplaceIllFormedUtf8AndKeepEveryWin1250ByteAndCas
   for (int b = 0; b < 256; ++b) every_byte += char(b);
   EXPECT_EQ(ToWin1250(FromWin1250(every_byte)), every_byte);
   EXPECT_EQ(ToWin1250(u"中"), "?");
+  // Exactly, or not at all: a question mark of the text is no missing character.
+  EXPECT_EQ(ToWin1250Exactly(u"Žák?\x81"), std::optional<std::string>("\x8E\xE1k?\x81"));
+  EXPECT_EQ(ToWin1250Exactly(u"a中"), std::nullopt);
 
   EXPECT_EQ(UpperCase(u"příliš žluťoučký"), u"PŘÍLIŠ ŽLUŤOUČKÝ");
   EXPECT_EQ(AsciiUpperCase(u"name_č{z}"), u"NAME_č{Z}");  // Latin letters only
