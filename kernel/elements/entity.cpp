@@ -511,13 +511,11 @@ void FreeElementSet(std::span<TElement* const> elements) {
   // What the unlisted elements reach through members goes with them.  The rest lists itself
   // round a cycle: each lets its members go (telling them) before it is freed alone.
   std::vector<TElement*> roots;
-  std::unordered_set<const TElement*> reached;
-  std::vector<TElement*> pending;
   for (TElement* element : elements) {
-    if (listed.contains(element)) continue;
-    roots.push_back(element);
-    pending.push_back(element);
+    if (!listed.contains(element)) roots.push_back(element);
   }
+  std::unordered_set<const TElement*> reached;
+  std::vector<TElement*> pending = roots;
   while (!pending.empty()) {
     auto* entity = ObjectAs<TEntity>(pending.back());
     pending.pop_back();
